@@ -1,0 +1,229 @@
+#include "compiler/code_generator.hpp"
+
+#include <bit>
+#include <string>
+#include <utility>
+
+#include <vornscript/log.hpp>
+#include <vornscript/vrnscript.hpp>
+
+#include "compiler/node_report.hpp"
+#include "frontend/nesting.hpp"
+#include "vm/number_text.hpp"
+
+namespace vorn {
+namespace {
+
+// The block as one that takes code, or null.
+vrn_program_block_routine* code_block(vrn_program_block_base& block) {
+  return block.kind == vrn_block_kind::routine ? static_cast<vrn_program_block_routine*>(&block)
+                                               : nullptr;
+}
+
+void note_class_lookup() {
+  log_line(vrn_log_level::log, "TODO: Implement class var lookup (find_var_in_parent).");
+}
+
+std::optional<vrn_opcode> binary_opcode(std::string_view op) {
+  if (op == "+") return op_add;
+  if (op == "-") return op_sub;
+  if (op == "*") return op_mul;
+  if (op == "/") return op_div;
+  return std::nullopt;
+}
+
+std::uint64_t int_bits(const vrn_ast_node& literal) {
+  return static_cast<std::uint64_t>(text_to_int(literal.token->text));
+}
+
+std::uint64_t float_bits(const vrn_ast_node& literal) {
+  return std::bit_cast<std::uint64_t>(text_to_float(literal.token->text));
+}
+
+}  // namespace
+
+bool vrn_code_generator::compile_list(vrn_program_block_base& block,
+                                      const std::vector<vrn_node>& nodes) {
+  for (const vrn_node& node : nodes) {
+    if (!compile(block, *node)) return false;
+  }
+  return true;
+}
+
+bool vrn_code_generator::compile(vrn_program_block_base& block, const vrn_ast_node& node) {
+  const nesting_level level(depth_);
+  if (level.too_deep()) return report_node(node, report_nesting_too_deep);
+  return compile_chain(block, node);
+}
+
+// Operators and assignments that hang on each other's last part, in a loop: their instructions come
+// after that part, in the opposite order.
+bool vrn_code_generator::compile_chain(vrn_program_block_base& block, const vrn_ast_node& node) {
+  const std::size_t outer = pending_.size();
+  const vrn_ast_node* at = &node;
+  for (;;) {
+    if (at->kind == vrn_node_kind::binary_node) {
+      at = open_binary(block, static_cast<const vrn_ast_node_binary&>(*at));
+    } else if (at->kind == vrn_node_kind::assign_node) {
+      at = open_assign(block, static_cast<const vrn_ast_node_assign&>(*at));
+    } else {
+      break;
+    }
+    if (!at) return false;
+  }
+  if (!compile_last(block, *at)) return false;
+  for (; pending_.size() > outer; pending_.pop_back()) {
+    emit(*code_block(block), pending_.back());
+  }
+  return true;
+}
+
+const vrn_ast_node* vrn_code_generator::open_binary(vrn_program_block_base& block,
+                                                    const vrn_ast_node_binary& node) {
+  vrn_program_block_routine* const routine = code_block(block);
+  const auto opcode = binary_opcode(node.op);
+  if (!routine || !opcode) {
+    report_node(node, report_invalid_binary_operator, node.op);
+    return nullptr;
+  }
+  if (!compile(block, *node.left)) return nullptr;
+  emit(*routine, op_push, 1u);
+  pending_.push_back(*opcode);
+  return node.right.get();
+}
+
+const vrn_ast_node* vrn_code_generator::open_assign(vrn_program_block_base& block,
+                                                    const vrn_ast_node_assign& node) {
+  vrn_program_block_routine* const routine = code_block(block);
+  if (!routine || node.target->kind == vrn_node_kind::json_node) {
+    report_node(node, report_not_implemented);
+    return nullptr;
+  }
+  if (node.target->kind != vrn_node_kind::variable_node) {
+    report_node(node, report_cannot_assign);
+    return nullptr;
+  }
+  if (!compile(block, *node.target)) return nullptr;
+  emit(*routine, op_push, 1u);
+  pending_.push_back(op_assign);
+  return node.value.get();
+}
+
+bool vrn_code_generator::compile_last(vrn_program_block_base& block, const vrn_ast_node& node) {
+  switch (node.kind) {
+    case vrn_node_kind::unary_node:
+      return compile_unary(block, static_cast<const vrn_ast_node_unary&>(node));
+    case vrn_node_kind::function_call_node:
+      return compile_call(block, static_cast<const vrn_ast_node_function_call&>(node));
+    case vrn_node_kind::function_def_node:
+      return compile_function_def(block, static_cast<const vrn_ast_node_function_def&>(node));
+    default:
+      break;
+  }
+  if (vrn_program_block_routine* const routine = code_block(block)) {
+    switch (node.kind) {
+      case vrn_node_kind::int_node:
+        emit(*routine, op_load_int, int_bits(node));
+        return true;
+      case vrn_node_kind::float_node:
+        emit(*routine, op_load_float, float_bits(node));
+        return true;
+      case vrn_node_kind::string_node:
+        return compile_string(*routine, node.token->text);
+      case vrn_node_kind::variable_node:
+        return compile_variable(*routine, node.token->text);
+      default:
+        break;
+    }
+  }
+  const auto number = static_cast<std::uint32_t>(node.kind);
+  return report_node(node, report_invalid_command_type, std::to_string(number));
+}
+
+// Only "-" in front; on a number it changes the number itself.
+bool vrn_code_generator::compile_unary(vrn_program_block_base& block,
+                                       const vrn_ast_node_unary& node) {
+  vrn_program_block_routine* const routine = code_block(block);
+  if (!routine || node.postfix || node.op != "-") {
+    return report_node(node, report_invalid_unary_operator, node.op);
+  }
+  if (node.operand->kind == vrn_node_kind::float_node) {
+    constexpr std::uint64_t sign = std::uint64_t{1} << 63;
+    emit(*routine, op_load_float, float_bits(*node.operand) ^ sign);
+    return true;
+  }
+  if (node.operand->kind == vrn_node_kind::int_node) {
+    emit(*routine, op_load_int, 0 - int_bits(*node.operand));
+    return true;
+  }
+  if (!compile(block, *node.operand)) return false;
+  emit(*routine, op_negate);
+  return true;
+}
+
+bool vrn_code_generator::compile_string(vrn_program_block_routine& block, std::string_view text) {
+  if (!block.strings) block.strings = std::make_shared<std::vector<std::string>>();
+  const auto next = static_cast<std::uint32_t>(block.strings->size());
+  const auto [entry, is_new] = string_indexes_[&block].try_emplace(text, next);
+  if (is_new) block.strings->emplace_back(text);
+  emit(block, op_load_string, entry->second);
+  return true;
+}
+
+// A name that was never assigned gets a variable all the same.
+bool vrn_code_generator::compile_variable(vrn_program_block_routine& block,
+                                          std::string_view name) {
+  const auto found = resolve(block, name);
+  load(block, found ? *found : location{0, block.add_variable(name)});
+  return true;
+}
+
+void vrn_code_generator::load(vrn_program_block_routine& block, const location& at) {
+  if (at.hops > 0) {
+    emit(block, op_load_outer_var, at.hops, at.index, std::uint64_t{0});
+  } else {
+    const vrnvar* const value = block.variables[at.index].get();
+    emit(block, op_load_value, std::uint64_t{reinterpret_cast<std::uintptr_t>(value)});
+  }
+}
+
+std::optional<vrn_code_generator::location> vrn_code_generator::resolve(
+    const vrn_program_block_routine& block, std::string_view name) {
+  if (block.parent->kind == vrn_block_kind::routine) {
+    if (const auto found = find_var_in_parent(*block.parent, name)) {
+      return location{found->hops + 1, found->index};
+    }
+  } else if (block.parent->kind == vrn_block_kind::class_) {
+    note_class_lookup();
+  }
+  const auto index = block.find_name(name);
+  return index ? std::optional(location{0, *index}) : std::nullopt;
+}
+
+std::optional<vrn_code_generator::location> vrn_code_generator::find_var_in_parent(
+    const vrn_program_block_base& block, std::string_view name) {
+  std::optional<location> outermost;
+  const vrn_program_block_base* at = &block;
+  for (std::uint32_t hops = 0; at && at->kind == vrn_block_kind::routine; ++hops) {
+    const auto index = static_cast<const vrn_program_block_routine*>(at)->find_name(name);
+    if (index) outermost = location{hops, *index};
+    at = at->parent;
+  }
+  if (at && at->kind == vrn_block_kind::class_) note_class_lookup();
+  return outermost;
+}
+
+vrn_program create_bytecode(vrnscript& script, std::shared_ptr<vrn_ast> ast,
+                            std::uint32_t& instruction_count) {
+  const std::uint64_t start = script.clock().wall_ms();
+  auto program = std::make_shared<vrn_program_block_root>();
+  program->ast = std::move(ast);
+  instruction_count = 0;
+  vrn_code_generator generator(script, instruction_count);
+  if (!generator.compile_list(*program->main, program->ast->nodes)) return {};
+  log_line(vrn_log_level::log, "Bytecode creation took ", script.clock().wall_ms() - start, " ms (",
+           instruction_count, " instructions).");
+  return program;
+}
+
+}  // namespace vorn

@@ -1,0 +1,71 @@
+// Builds commands from a list of tokens.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "frontend/bracket_map.hpp"
+#include "frontend/command.hpp"
+
+namespace vorn {
+
+// What the commands being built stand in; the values are in order of the group token kinds. The top
+// level counts as a brace.
+enum class vrn_enclosing : std::uint32_t { paren = 0, bracket = 1, brace = 2 };
+
+// Goes through its tokens once, from the first to the last. A builder whose operation has returned
+// false has reported why, and is of no further use.
+class vrn_command_builder {
+ public:
+  // `depth` counts the brackets and bodies around the tokens, and those being built.
+  vrn_command_builder(vrn_src_command_map& map, std::span<const vrn_token> tokens,
+                      std::uint32_t& depth)
+      : map_(map), tokens_(tokens), brackets_(tokens), depth_(depth) {}
+
+  // Builds all commands up to the position `end`.
+  bool build_list(std::size_t end, vrn_enclosing enclosing, vrn_command_list& list);
+
+  // Builds the tokens, a define's body, into the define command.
+  bool build_define_body(const vrn_token& name, vrn_src_command& define);
+
+ private:
+  bool build_command(std::size_t end, vrn_enclosing enclosing, vrn_src_command& command);
+  bool build_ordinary(std::size_t end, vrn_enclosing enclosing, vrn_src_command& command);
+  bool build_define(std::size_t end, vrn_src_command& command);
+  bool build_conditional(std::size_t end, vrn_enclosing enclosing, vrn_src_command& command);
+  bool build_loop(std::size_t end, vrn_enclosing enclosing, vrn_src_command& command);
+
+  // Build a part of a command: a keyword and the "(" group that has to follow it; a body; a
+  // bracketed group. The command's tokens are collected in `scratch_`.
+  bool build_header(std::size_t end, vrn_src_command& command);
+  bool build_body(std::size_t end, vrn_enclosing enclosing, vrn_src_command& command);
+  bool build_group(std::size_t end, vrn_src_command& command);
+
+  // Takes the tokens up to the end of the line, those of lines that a backslash continues too.
+  std::vector<vrn_token> take_line(std::size_t end);
+
+  // Adds a token that stands for the next of the command's groups.
+  void add_group_token(vrn_enclosing shape, const vrn_src_token& first,
+                       const vrn_src_command& command);
+  void take_token() { scratch_.push_back(tokens_[at_++]); }
+  // Moves the tokens collected since `first` into the command.
+  void finish(vrn_src_command& command, std::size_t first);
+
+  void skip_line_ends(std::size_t end);
+  // Skip line ends first.
+  bool at_word(std::size_t end, std::string_view word);
+  bool at_symbol(std::size_t end, char symbol);
+
+  vrn_src_command_map& map_;
+  std::span<const vrn_token> tokens_;
+  vrn_bracket_map brackets_;
+  std::uint32_t& depth_;
+  std::size_t at_ = 0;
+  // The tokens of the commands being built, one command's behind those of the one around it.
+  std::vector<vrn_token> scratch_;
+};
+
+}  // namespace vorn

@@ -1,0 +1,136 @@
+#include <vornscript/filesys.hpp>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <ios>
+#include <memory>
+#include <stdexcept>
+#include <system_error>
+
+#include "platform/platform.hpp"
+
+namespace vorn {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t read_chunk_size = 0x80000;
+
+// The system ends a name at its first NUL, and would take what is before it for the whole.
+bool names_nothing(const std::string& path) { return path.find('\0') != std::string::npos; }
+
+void check(const std::error_code& failure, const char* operation, const fs::path& path) {
+  if (failure) throw fs::filesystem_error(operation, path, failure);
+}
+
+void check_name(const std::string& path, const char* operation) {
+  if (names_nothing(path)) check(make_error_code(std::errc::invalid_argument), operation, path);
+}
+
+// The paths of the entries that are wanted, in order.
+template <class Iterator, class Wanted>
+std::vector<std::string> entries(const std::string& path, const char* opening,
+                                 const char* advancing, Wanted wanted) {
+  check_name(path, opening);
+  std::error_code failure;
+  std::vector<std::string> found;
+  Iterator entry(path, failure);
+  check(failure, opening, path);
+  while (entry != Iterator()) {
+    if (wanted(*entry)) found.push_back(entry->path().string());
+    entry.increment(failure);
+    check(failure, advancing, path);
+  }
+  std::sort(found.begin(), found.end());
+  return found;
+}
+
+bool any_entry(const fs::directory_entry&) { return true; }
+
+bool regular_file(const fs::directory_entry& entry) {
+  std::error_code failure;
+  const fs::file_status status = entry.status(failure);
+  if (status.type() == fs::file_type::none) check(failure, "directory_entry::status", entry.path());
+  return fs::is_regular_file(status);
+}
+
+}  // namespace
+
+vrn_filesys_os::vrn_filesys_os() {
+  const std::string executable = platform::executable_path();
+  if (executable.empty()) throw std::runtime_error("GetModuleFileNameA failed");
+  search_paths_add("");
+  search_paths_add(directory_of(executable) + "/include");
+}
+
+void vrn_filesys_os::read(const std::string& path, std::string& bytes) const {
+  std::error_code failure;
+  if (names_nothing(path) || !fs::is_regular_file(path, failure)) return;
+  const std::size_t size_before = bytes.size();
+  std::ifstream file(path, std::ios::binary);
+  const auto chunk = std::make_unique_for_overwrite<char[]>(read_chunk_size);
+  while (file) {
+    file.read(chunk.get(), read_chunk_size);
+    bytes.append(chunk.get(), static_cast<std::size_t>(file.gcount()));
+  }
+  if (file.bad()) bytes.resize(size_before);
+}
+
+void vrn_filesys_os::write(const std::string& path, std::string_view bytes) {
+  std::ofstream file;
+  if (names_nothing(path)) {
+    file.setstate(std::ios::failbit);
+  } else {
+    file.open(path, std::ios::binary);
+  }
+  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  file.close();
+  if (file.bad()) throw std::ios_base::failure("ios_base::badbit set");
+  if (file.fail()) throw std::ios_base::failure("ios_base::failbit set");
+}
+
+std::vector<std::string> vrn_filesys_os::list(const std::string& path) const {
+  return entries<fs::directory_iterator>(path, "directory_iterator::directory_iterator",
+                                         "directory_iterator::operator++", any_entry);
+}
+
+std::vector<std::string> vrn_filesys_os::list_files(const std::string& path) const {
+  return entries<fs::directory_iterator>(path, "directory_iterator::directory_iterator",
+                                         "directory_iterator::operator++", regular_file);
+}
+
+std::vector<std::string> vrn_filesys_os::list_recursive(const std::string& path) const {
+  return entries<fs::recursive_directory_iterator>(
+      path, "recursive_directory_iterator::recursive_directory_iterator",
+      "recursive_directory_iterator::operator++", any_entry);
+}
+
+bool vrn_filesys_os::exists(const std::string& path) const {
+  std::error_code failure;
+  return !names_nothing(path) && fs::exists(path, failure);
+}
+
+void vrn_filesys_os::create_directory(const std::string& path) {
+  check_name(path, "create_directories");
+  std::error_code failure;
+  fs::create_directories(path, failure);
+  check(failure, "create_directories", path);
+}
+
+void vrn_filesys_os::remove_all(const std::string& path) {
+  check_name(path, "remove_all");
+  std::error_code failure;
+  fs::remove_all(path, failure);
+  check(failure, "remove_all", path);
+}
+
+std::string vrn_filesys_os::canonical(const std::string& path) const {
+  if (path.empty() || names_nothing(path)) return {};
+  std::error_code failure;
+  const fs::path absolute = fs::absolute(path, failure);
+  const fs::path resolved = fs::weakly_canonical(failure ? fs::path(path) : absolute, failure);
+  return (failure ? fs::path(path).lexically_normal() : resolved).string();
+}
+
+}  // namespace vorn

@@ -1,0 +1,329 @@
+#include "frontend/lexer.hpp"
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+#include <vornscript/log.hpp>
+
+#include "frontend/code_point.hpp"
+#include "frontend/include_pass.hpp"
+#include "frontend/operator_set.hpp"
+#include "frontend/report.hpp"
+
+namespace vorn {
+namespace {
+
+enum class character : std::uint8_t {
+  symbol,  // first, so that it is what the table below leaves out
+  newline,
+  blank,
+  quote,
+  slash,
+  dot,
+  digit,
+  letter,
+};
+
+constexpr std::array<character, 128> ascii_characters = [] {
+  std::array<character, 128> table{};
+  table['\n'] = character::newline;
+  table['\t'] = table['\v'] = table['\f'] = table['\r'] = table[' '] = character::blank;
+  table['"'] = table['\''] = character::quote;
+  table['/'] = character::slash;
+  table['.'] = character::dot;
+  for (std::size_t digit = '0'; digit <= '9'; ++digit) table[digit] = character::digit;
+  for (std::size_t letter = 'a'; letter <= 'z'; ++letter) {
+    table[letter] = table[letter - 'a' + 'A'] = character::letter;
+  }
+  table['_'] = character::letter;
+  return table;
+}();
+
+constexpr bool is_long_blank(std::uint32_t value) {
+  switch (value) {
+    case 0x0085:
+    case 0x00A0:
+    case 0x1680:
+    case 0x180E:
+    case 0x2028:
+    case 0x2029:
+    case 0x202F:
+    case 0x205F:
+    case 0x3000:
+    case 0xFEFF:
+      return true;
+    default:
+      return value >= 0x2000 && value <= 0x200A;
+  }
+}
+
+character character_of(std::uint32_t value) {
+  if (value < ascii_characters.size()) return ascii_characters[value];
+  return is_long_blank(value) ? character::blank : character::letter;
+}
+
+bool is_digit(std::uint32_t value) { return value >= '0' && value <= '9'; }
+bool is_binary_digit(std::uint32_t value) { return value == '0' || value == '1'; }
+bool is_octal_digit(std::uint32_t value) { return value >= '0' && value <= '7'; }
+bool is_hexadecimal_digit(std::uint32_t value) {
+  return is_digit(value) || (value >= 'a' && value <= 'f') || (value >= 'A' && value <= 'F');
+}
+
+// Blanks do not end a word when they are not ASCII.
+bool is_word_part(std::uint32_t value) {
+  if (value >= ascii_characters.size()) return true;
+  const character kind = ascii_characters[value];
+  return kind == character::letter || kind == character::digit;
+}
+
+class lexer {
+ public:
+  explicit lexer(vrn_src_token_view& view)
+      : view_(view), begin_(view.text.data()), at_(begin_), end_(begin_ + view.text.size()) {}
+
+  vrn_scan run() {
+    view_.tokens.reserve(view_.text.size() / 4);
+    view_.lines.push_back(0);
+    while (at_ < end_) {
+      if (!read_token()) return {};
+    }
+    return {line_, has_directives_};
+  }
+
+ private:
+  // Where a token begins.
+  struct mark {
+    const char* at;
+    std::uint32_t line;
+    std::uint32_t column;
+  };
+
+  mark here() const { return {at_, line_, column_}; }
+  code_point peek() const { return read_code_point(at_, end_); }
+  std::string_view rest() const { return {at_, static_cast<std::size_t>(end_ - at_)}; }
+
+  void advance(std::uint32_t bytes, std::uint32_t columns = 1) {
+    at_ += bytes;
+    column_ += columns;
+  }
+
+  // Takes the next character if it is one of the wanted.
+  template <class Wanted>
+  bool take_if(Wanted wanted) {
+    if (at_ == end_) return false;
+    const code_point next = peek();
+    if (!wanted(next.value)) return false;
+    advance(next.length);
+    return true;
+  }
+
+  bool read_token() {
+    const code_point next = peek();
+    switch (character_of(next.value)) {
+      case character::newline:
+        read_line_end(next.length);
+        return true;
+      case character::blank:
+        advance(next.length);
+        space_before_ = true;
+        return true;
+      case character::quote:
+        return read_string(next);
+      case character::slash:
+        if (rest().starts_with("//")) {
+          skip_line_comment();
+          return true;
+        }
+        if (rest().starts_with("/*")) return skip_block_comment();
+        break;
+      case character::dot:
+        if (at_ + next.length < end_ && is_digit(read_code_point(at_ + next.length, end_).value)) {
+          read_number();
+          return true;
+        }
+        break;
+      case character::digit:
+        read_number();
+        return true;
+      case character::letter:
+        read_word();
+        return true;
+      case character::symbol:
+        break;
+    }
+    read_symbol(next);
+    return true;
+  }
+
+  void read_line_end(std::uint32_t length) {
+    const mark start = here();
+    at_ += length;
+    if (!view_.tokens.empty() && view_.tokens.back()->kind != vrn_token_kind::end_of_line) {
+      add_token(vrn_token_kind::end_of_line, start, {start.at, length}, false);
+    }
+    begin_line();
+    space_before_ = true;
+  }
+
+  // Counts a line that begins here.
+  void begin_line() {
+    ++line_;
+    column_ = 0;
+    if (at_ < end_) view_.lines.push_back(static_cast<std::uint32_t>(at_ - begin_));
+  }
+
+  // Comments are read by bytes, so that a stray lead byte swallows neither a line end nor the
+  // comment's end.
+  void skip_comment_byte() { advance(1, continues_character(*at_) ? 0 : 1); }
+
+  void skip_line_comment() {
+    while (at_ < end_ && *at_ != '\n') skip_comment_byte();
+  }
+
+  bool skip_block_comment() {
+    const mark start = here();
+    advance(2, 2);
+    while (!rest().starts_with("*/")) {
+      if (at_ == end_) {
+        report_unterminated_comment(place(start));
+        return false;
+      }
+      const bool ends_line = *at_ == '\n';
+      skip_comment_byte();
+      if (ends_line) begin_line();
+    }
+    advance(2, 2);
+    return true;
+  }
+
+  bool read_string(code_point quote) {
+    const mark start = here();
+    advance(quote.length);
+    const char quote_byte = static_cast<char>(quote.value);
+    const std::array<char, 2> quote_pair = {quote_byte, quote_byte};
+    const std::string_view two_quotes(quote_pair.data(), quote_pair.size());
+    const bool is_triple = rest().starts_with(two_quotes);
+    if (is_triple) advance(2, 2);
+
+    const char* const text = at_;
+    while (at_ < end_) {
+      const code_point next = peek();
+      const char* const next_at = at_;
+      advance(next.length);
+      if (next.value == quote.value) {
+        if (is_triple && !rest().starts_with(two_quotes)) continue;
+        if (is_triple) advance(2, 2);
+        add_token(vrn_token_kind::string, {start.at, line_, start.column},
+                  {text, static_cast<std::size_t>(next_at - text)}, false);
+        space_before_ = false;
+        return true;
+      }
+      if (next.value == '\\') {
+        // A line end taken here is deliberately not counted.
+        if (at_ < end_) advance(peek().length);
+      } else if (next.value == '\n') {
+        if (!is_triple) break;
+        begin_line();
+      }
+    }
+    report_unterminated_string(place(start));
+    return false;
+  }
+
+  void read_number() {
+    const mark start = here();
+    const std::uint32_t first = peek().value;
+    advance(peek().length);
+    if (first != '0' || !read_prefixed_digits()) read_decimal_rest(start);
+    add_token_from(start, vrn_token_kind::word, false);
+  }
+
+  // After a leading zero; a prefix needs no digits.
+  bool read_prefixed_digits() {
+    if (take_if([](std::uint32_t value) { return value == 'x' || value == 'X'; })) {
+      while (take_if(is_hexadecimal_digit)) continue;
+    } else if (take_if([](std::uint32_t value) { return value == 'b' || value == 'B'; })) {
+      while (take_if(is_binary_digit)) continue;
+    } else if (take_if([](std::uint32_t value) { return value == 'o' || value == 'O'; })) {
+      while (take_if(is_octal_digit)) continue;
+    } else {
+      return false;
+    }
+    return true;
+  }
+
+  // A leading "." is deliberately not counted as the literal's one ".".
+  void read_decimal_rest(const mark& start) {
+    while (take_if(is_digit)) continue;
+    if (take_if([](std::uint32_t value) { return value == '.'; })) {
+      while (take_if(is_digit)) continue;
+    }
+    if (take_if([](std::uint32_t value) { return value == 'f' || value == 'F'; })) return;
+    if (!take_if([](std::uint32_t value) { return value == 'e' || value == 'E'; })) return;
+    take_if([](std::uint32_t value) { return value == '+' || value == '-'; });
+    if (!take_if(is_digit)) report_malformed_exponent(place(start));
+    while (take_if(is_digit)) continue;
+  }
+
+  void read_word() {
+    const mark start = here();
+    while (take_if(is_word_part)) continue;
+    add_token_from(start, vrn_token_kind::word, space_before_);
+  }
+
+  void read_symbol(code_point next) {
+    const mark start = here();
+    const std::size_t matched = operators.match(rest());
+    const auto length = matched > 0 ? static_cast<std::uint32_t>(matched) : next.length;
+    if (next.value == '#') has_directives_ = true;
+    advance(length, length);
+    add_token_from(start, vrn_token_kind::symbol, space_before_);
+  }
+
+  void add_token_from(const mark& start, vrn_token_kind kind, bool space_before) {
+    add_token(kind, start, {start.at, static_cast<std::size_t>(at_ - start.at)}, space_before);
+    space_before_ = false;
+  }
+
+  void add_token(vrn_token_kind kind, const mark& start, std::string_view text, bool space_before) {
+    view_.tokens.push_back(view_.store.make<vrn_src_token>(vrn_src_token{
+        kind, static_cast<std::int32_t>(start.line), start.column,
+        static_cast<std::uint32_t>(start.at - begin_), text, &view_, 0, 0, space_before}));
+  }
+
+  vrn_src_place place(const mark& start) const {
+    return {view_.name,
+            start.line,
+            start.column,
+            {start.at, static_cast<std::size_t>(end_ - start.at)}};
+  }
+
+  vrn_src_token_view& view_;
+  const char* const begin_;
+  const char* at_;
+  const char* const end_;
+  std::uint32_t line_ = 1;
+  std::uint32_t column_ = 0;
+  bool space_before_ = true;
+  bool has_directives_ = false;
+};
+
+}  // namespace
+
+vrn_scan scan_tokens(vrn_src_token_view& view) {
+  // Tokens hold their position in 32 bits.
+  if (view.text.size() > UINT32_MAX) {
+    log_line(vrn_log_level::error, "Source file ", view.name, " is too large.");
+    return {};
+  }
+  return lexer(view).run();
+}
+
+std::uint32_t tokenize(vrn_src_token_view& view) {
+  const vrn_scan scan = scan_tokens(view);
+  if (scan.lines == 0 || view.tokens.empty()) return 0;
+  return scan.lines + (scan.has_directives ? splice_includes(view) : 0);
+}
+
+}  // namespace vorn

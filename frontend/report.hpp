@@ -1,0 +1,51 @@
+// Syntax-error reports: framed text blocks that show a script's author what is wrong and where.
+//
+// A report is handed to the logger of the calling thread at the error level, as one message; it
+// never fails and never throws. The reporters are made from frontend/messages.def, two for each
+// message: one takes the offending token, the other a place in a text.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "frontend/token.hpp"
+
+namespace vorn {
+
+// A place in a source file. Of the excerpt, which begins at the place or at the start of its line,
+// the first line is shown.
+struct vrn_src_place {
+  std::string_view file_name;
+  std::uint32_t line;
+  std::uint32_t column;
+  std::string_view excerpt;
+};
+
+// What the generated reporters call. A token of an included file is shown with the chain of files
+// that included it.
+void report(const vrn_src_place& place, std::string_view message);
+void report(const vrn_src_token& token, std::string_view message);
+void report(const vrn_src_place& place, std::string_view text, std::string_view operand,
+            std::string_view ending);
+void report(const vrn_src_token& token, std::string_view text, std::string_view operand,
+            std::string_view ending);
+
+#define VRN_MESSAGE(reporter, text)                              \
+  inline void report_##reporter(const vrn_src_place& place) {    \
+    report(place, text);                                         \
+  }                                                              \
+  inline void report_##reporter(const vrn_src_token& token) {    \
+    report(token, text);                                         \
+  }
+#define VRN_MESSAGE_OF(reporter, text, ending)                                                  \
+  inline void report_##reporter(const vrn_src_place& place, std::string_view operand) {         \
+    report(place, text, operand, ending);                                                       \
+  }                                                                                             \
+  inline void report_##reporter(const vrn_src_token& token, std::string_view operand) {         \
+    report(token, text, operand, ending);                                                       \
+  }
+#include "frontend/messages.def"
+#undef VRN_MESSAGE
+#undef VRN_MESSAGE_OF
+
+}  // namespace vorn

@@ -1,0 +1,12 @@
+#include "frontend/token.hpp"
+
+namespace vorn {
+
+std::string_view vrn_src_token_view::line_text(std::int32_t line) const {
+  if (line < 1 || static_cast<std::size_t>(line) > lines.size()) return {};
+  const std::string_view rest =
+      std::string_view(text).substr(lines[static_cast<std::size_t>(line) - 1]);
+  return rest.substr(0, rest.find('\n'));
+}
+
+}  // namespace vorn

@@ -1,0 +1,122 @@
+// Programs: what a script is compiled into.
+//
+// A root block is the program. It owns the main routine, into which the top-level code goes; every
+// routine owns the routines defined in it, its code, its variables and their names. Blocks are made
+// and used on their interpreter's thread, take no locks, and are released before the interpreter.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include <vornscript/std_function.hpp>
+#include <vornscript/value.hpp>
+#include <vornscript/vrnptr.hpp>
+
+namespace vorn {
+
+class vrn_ast;
+
+// The hash of every table keyed by name: 64-bit XXH3, seed 0, the library's default secret.
+struct vrn_hasher {
+  using is_transparent = void;
+  std::size_t operator()(std::string_view name) const noexcept;
+};
+
+struct vrn_transparent_equal {
+  using is_transparent = void;
+  bool operator()(std::string_view a, std::string_view b) const noexcept { return a == b; }
+};
+
+enum class vrn_block_kind : std::uint32_t {
+  root = 1,
+  routine = 2,  // the only kind that code is compiled into and run in
+  class_ = 3,   // reserved: class definitions have no code yet
+};
+
+class vrn_program_block_base {
+ public:
+  vrn_program_block_base(const vrn_program_block_base&) = delete;
+  vrn_program_block_base& operator=(const vrn_program_block_base&) = delete;
+
+  const vrn_block_kind kind;
+  vrn_program_block_base* const parent;  // null for a root; outlives this block
+
+ protected:
+  vrn_program_block_base(vrn_block_kind block_kind, vrn_program_block_base* enclosing)
+      : kind(block_kind), parent(enclosing) {}
+  ~vrn_program_block_base() = default;
+};
+
+class vrn_program_block_routine final
+    : public vrn_program_block_base,
+      public vrnptr_register<vrn_program_block_routine, vrnptr_base> {
+ public:
+  struct name_entry {
+    std::uint32_t index;
+  };
+  using name_map =
+      std::unordered_map<std::string, name_entry, vrn_hasher, vrn_transparent_equal>;
+
+  explicit vrn_program_block_routine(vrn_program_block_base* enclosing);
+  ~vrn_program_block_routine();
+
+  // The index of a variable of this block by its name.
+  std::optional<std::uint32_t> find_name(std::string_view name) const;
+
+  // The value of a variable of this block by its name; empty when there is none.
+  vrnvar_shared variable(std::string_view name) const;
+
+  // Appends a fresh variable under a name; gives its index.
+  std::uint32_t add_variable(std::string_view name);
+  // Gives a name an index; a name that is there already gets the new one.
+  void insert_name(std::string_view name, std::uint32_t index);
+
+  // Append one instruction of the emitter's width: opcode, then its operands.
+  void emit(std::uint32_t opcode);
+  void emit(std::uint32_t opcode, std::uint32_t operand);
+  void emit(std::uint32_t opcode, std::uint64_t operand);
+  void emit(std::uint32_t opcode, std::uint32_t hops, std::uint32_t index, std::uint64_t cache);
+
+  // The instructions so far. Running them may write into them.
+  std::span<std::byte> instructions() { return code ? std::span(*code) : std::span<std::byte>(); }
+
+  // The tables below are made when they are first needed.
+  std::shared_ptr<std::vector<std::byte>> code;
+  std::shared_ptr<std::vector<std::shared_ptr<vrn_program_block_routine>>> children;
+  std::shared_ptr<std::vector<std::string>> strings;
+  std::shared_ptr<name_map> names;
+
+  // A variable's value is made once and never replaced: instructions carry its address.
+  std::vector<vrnvar_shared> variables;
+  std::uint32_t parameter_count = 0xFFFFFFFF;
+  std::uint32_t saved_pc = 0;  // offset into the code
+  bool active = false;         // entered, and not yet run to its end
+
+  // The native functions whose addresses stand in the code.
+  std::set<vrn_ref<vrn_std_function>> natives;
+};
+
+class vrn_program_block_root final : public vrn_program_block_base,
+                                     public vrnptr_register<vrn_program_block_root, vrnptr_base> {
+ public:
+  vrn_program_block_root();
+  ~vrn_program_block_root();
+
+  std::shared_ptr<vrn_ast> ast;
+  std::shared_ptr<vrn_program_block_routine> main;
+};
+
+// A whole program, as the loader returns it.
+using vrn_program = std::shared_ptr<vrn_program_block_root>;
+
+}  // namespace vorn

@@ -1,0 +1,43 @@
+// Native functions: C++ that scripts call by name.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <vornscript/ref.hpp>
+#include <vornscript/value.hpp>
+
+namespace vorn {
+
+struct vrn_task;
+class vrn_program_block_routine;
+
+// What instruction handlers and native functions are given to work on.
+struct vrn_vm_context {
+  vrn_task* task;
+  vrn_program_block_routine* block;
+  // Anything but 0 ends the current run after this instruction; 8 makes the task wait.
+  std::uint32_t* stop_flag;
+};
+
+// Gets the call's arguments, which share the caller's values: changing one changes the caller's
+// variable. Never called with fewer or more arguments than were registered. The result is the
+// call's value; an empty handle leaves the caller without one. An exception ends the task.
+using vrn_native =
+    std::function<vrnvar_shared(vrn_vm_context& context, std::vector<vrnvar_shared>& arguments)>;
+
+// The most arguments that a native function without an upper bound takes.
+inline constexpr std::uint32_t vrn_arguments_max = 999;
+
+struct vrn_std_function {
+  vrn_native callable;
+  std::uint32_t min_arguments = 0;
+  std::uint32_t max_arguments = 0;
+  std::uint32_t reference_count = 0;
+  std::string name;
+};
+void release_last(vrn_std_function* function) noexcept;
+
+}  // namespace vorn

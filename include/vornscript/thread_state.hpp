@@ -1,0 +1,24 @@
+// What each thread knows of itself. One set per system thread, there before any interpreter is.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace vorn {
+
+class vrnscript;
+class vrn_log_base;
+
+// The thread's interpreter; set and cleared by vrnscript.
+extern constinit thread_local vrnscript* current_script;
+
+// When set, get_log() returns it instead of the interpreter's logger. Not owned.
+extern constinit thread_local vrn_log_base* log_override;
+
+// The system's number of the calling thread, never 0.
+std::uint32_t thread_id() noexcept;
+
+// The calling thread's name, shown in log lines when not empty; vrnscript sets it.
+std::string& thread_name() noexcept;
+
+}  // namespace vorn

@@ -1,0 +1,45 @@
+#include "memory/pool_messages.hpp"
+
+#include <cstdio>
+#include <string>
+
+#include <vornscript/log.hpp>
+
+namespace vorn::pool_message {
+namespace {
+
+template <class... Values>
+void write_error(const char* format, Values... values) {
+  vrn_log_base& logger = get_log();
+  if (!logger.enabled(vrn_log_level::error)) return;
+  char text[200];
+  std::snprintf(text, sizeof text, format, values...);
+  logger.error(text);
+}
+
+}  // namespace
+
+void invalid_magic(const void* found, const void* expected) {
+  write_error("invalid pool magic num: %p vs %p", found, expected);
+}
+
+void invalid_memory(int slot) { write_error("invalid variable pool memory! %i", slot); }
+
+void unknown_object() { log_line(vrn_log_level::error, "unknown var encountered."); }
+
+void wrong_place(const void* object, const void* chunk, int claimed, int actual) {
+  write_error(
+      "Seems like variable %p belongs to pool %p, offset was %i, but actually is %i.", object,
+      chunk, claimed, actual);
+}
+
+void already_free() {
+  log_line(vrn_log_level::error,
+           "Additionally, the variable was already free'd. Check for mem corruptions.");
+}
+
+void still_allocated() {
+  log_line(vrn_log_level::error, "There are still pool chunks allocated!");
+}
+
+}  // namespace vorn::pool_message

@@ -1,0 +1,161 @@
+// The forms that end in brackets: indexes, initializer lists, definitions and calls.
+#include <algorithm>
+#include <utility>
+
+#include <vornscript/log.hpp>
+
+#include "frontend/report.hpp"
+#include "parser/parser_state.hpp"
+
+namespace vorn {
+namespace {
+
+bool is_bracket(const vrn_token& token) { return token->kind == vrn_token_kind::group_bracket; }
+bool is_paren(const vrn_token& token) { return token->kind == vrn_token_kind::group_paren; }
+bool is_brace(const vrn_token& token) { return token->kind == vrn_token_kind::group_brace; }
+
+bool is_ordinary(const vrn_command& command) {
+  return command->kind == vrn_command_kind::ordinary;
+}
+
+}  // namespace
+
+vrn_node vrn_parser::parse_bracket_form(const vrn_src_command_view& range) {
+  const auto begin = range.command->tokens.begin();
+  if (std::any_of(begin + range.first + 1, begin + range.last, is_bracket)) {
+    return parse_index(range);
+  }
+  const vrn_token& last = range.back();
+  if (is_brace(last)) {
+    return is_paren(range.token(range.last - 2)) ? parse_function_def(range) : parse_struct(range);
+  }
+  if (is_paren(last)) return parse_call(range);
+  return fail(report_cannot_parse_whatever, range.front());
+}
+
+// Behind the first index nothing but further ones may stand.
+vrn_node vrn_parser::parse_index(const vrn_src_command_view& range) {
+  const auto end = range.command->tokens.begin() + range.last;
+  const auto first = std::find_if(range.command->tokens.begin() + range.first + 1, end, is_bracket);
+  if (!std::all_of(first, end, is_bracket)) {
+    return fail(report_invalid_after_bracket, range.front());
+  }
+  const vrn_command_list& list = range.command->group(*range.back());
+  if (std::count_if(list.begin(), list.end(), is_ordinary) > 1) {
+    return fail(report_too_many_expressions, range.front());
+  }
+  auto entry = ast_.make<vrn_ast_node_json_literal>(range.front());
+  entry->key = parse({range.command, range.first, range.last - 1});
+  if (entry->key) entry->value = parse_only(list);
+  if (!entry->value) return fail(report_invalid_index, range.front());
+  auto node = ast_.make<vrn_ast_node_json>(range.front());
+  node->entries.push_back(std::move(entry));
+  return node;
+}
+
+vrn_node vrn_parser::parse_initializer_list(const vrn_src_command_view& range) {
+  const vrn_command_list& list = range.command->group(*range.front());
+  auto node = ast_.make<vrn_ast_node_initializer_list>(range.front());
+  for (const vrn_command& command : list) {
+    if (command->kind == vrn_command_kind::define) {
+      add_define(command);
+      continue;
+    }
+    const auto size = static_cast<std::uint32_t>(command->tokens.size());
+    if (!parse_initializer_entries({command.get(), 0, size}, node->entries)) {
+      return fail(report_cannot_parse_initializer_list, range.front());
+    }
+  }
+  if (node->entries.empty()) return fail_loudly(report_no_expression, range.front());
+  return node;
+}
+
+// Entries stand between commas; "=" parts an entry's key from its value.
+bool vrn_parser::parse_initializer_entries(const vrn_src_command_view& range,
+                                           std::vector<std::vector<vrn_node>>& entries) {
+  entries.emplace_back();
+  vrn_src_command_view part = {range.command, range.first, range.first};
+  for (; part.last <= range.last; ++part.last) {
+    const bool ends = part.last == range.last || range.token(part.last)->is_symbol(",");
+    const bool keyed = !ends && entries.back().empty() && range.token(part.last)->is_symbol("=");
+    if (!ends && !keyed) continue;
+    vrn_node node = parse(part);
+    if (!node) return false;
+    entries.back().push_back(std::move(node));
+    if (ends && part.last < range.last) entries.emplace_back();
+    part.first = part.last + 1;
+  }
+  return true;
+}
+
+vrn_node vrn_parser::parse_function_def(const vrn_src_command_view& range) {
+  const std::uint32_t group = range.last - 2;
+  if (group == range.first) return fail(report_unknown_token_in_def, range.token(group));
+  const std::uint32_t name = group - 1;
+  auto node = ast_.make<vrn_ast_node_function_def>(range.token(name));
+  node->name = range.token(name);
+  for (std::uint32_t at = range.first; at <= name; ++at) {
+    const vrn_token& token = range.token(at);
+    if (token->kind != vrn_token_kind::word) return fail(report_unknown_token_in_def, token);
+    if (at == name) break;
+    log_line(vrn_log_level::log, "FN KW: ", token->text);
+    node->keywords.push_back(token);
+  }
+  for (const vrn_command& command : range.command->group(*range.token(group))) {
+    auto param = parse_param(command);
+    if (!param) return {};
+    node->params.push_back(std::move(param));
+  }
+  const vrn_command_list& body = range.command->group(*range.back());
+  if (!parse_list(body, report_cannot_parse_function_body, node->body)) return {};
+  return node;
+}
+
+// A name, or a name, "=" and a default value.
+vrn_ref<vrn_ast_node_function_def_param> vrn_parser::parse_param(const vrn_command& command) {
+  const std::vector<vrn_token>& tokens = command->tokens;
+  const bool named = is_ordinary(command) && tokens[0]->kind == vrn_token_kind::word &&
+                     (tokens.size() == 1 || tokens[1]->is_symbol("="));
+  if (!named) {
+    fail(report_invalid_parameters, tokens[0]);
+    return {};
+  }
+  auto param = ast_.make<vrn_ast_node_function_def_param>(tokens[0]);
+  param->name = tokens[0];
+  if (tokens.size() == 1) return param;
+  param->default_value = parse({command.get(), 2, static_cast<std::uint32_t>(tokens.size())});
+  if (param->default_value) return param;
+  fail(report_cannot_parse_default, tokens[0]);
+  return {};
+}
+
+// The word in front says what it is; a word before the braces is its name.
+vrn_node vrn_parser::parse_struct(const vrn_src_command_view& range) {
+  const vrn_token& first = range.front();
+  const bool is_class = first->is_word("class");
+  if (!is_class && !first->is_word("struct") && !first->is_word("cstruct")) {
+    return fail(report_unknown_struct, first);
+  }
+  if (is_class) log_line(vrn_log_level::log, "class def!");
+  auto node = ast_.make<vrn_ast_node_class_def>(range.token(range.last - 2));
+  const vrn_command_list& body = range.command->group(*range.back());
+  if (!parse_list(body, report_cannot_parse_class_body, node->entries)) return {};
+  return node;
+}
+
+vrn_node vrn_parser::parse_call(const vrn_src_command_view& range) {
+  const vrn_token& first = range.front();
+  auto node = ast_.make<vrn_ast_node_function_call>(first);
+  node->callee = parse({range.command, range.first, range.last - 1});
+  if (!node->callee) return fail(report_cannot_parse_call, first);
+  for (const vrn_command& command : range.command->group(*range.back())) {
+    if (!is_ordinary(command)) return fail(report_invalid_arguments, first, first->text);
+    auto param = ast_.make<vrn_ast_node_function_call_param>(command->tokens.front());
+    param->value = parse(*command);
+    if (!param->value) return fail(report_cannot_parse_argument, first);
+    node->params.push_back(std::move(param));
+  }
+  return node;
+}
+
+}  // namespace vorn

@@ -1,0 +1,220 @@
+#include "parser/parser.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include <vornscript/log.hpp>
+
+#include "frontend/nesting.hpp"
+#include "frontend/report.hpp"
+#include "parser/parser_state.hpp"
+
+namespace vorn {
+namespace {
+
+// How much the defines of one program may expand to.
+constexpr std::uint64_t replacements_max = 1'000'000;
+constexpr std::uint64_t replaced_tokens_max = 10'000'000;
+
+vrn_src_command_view whole(const vrn_src_command& command) {
+  return {&command, 0, static_cast<std::uint32_t>(command.tokens.size())};
+}
+
+bool consists_of(std::string_view text, std::string_view characters) {
+  return text.find_first_not_of(characters) == std::string_view::npos;
+}
+
+bool is_define(const vrn_command& command) { return command->kind == vrn_command_kind::define; }
+
+}  // namespace
+
+void vrn_node_chain::add(vrn_node node, vrn_node& rest, vrn_reporter reporter) {
+  last_ = node.get();
+  *open_ = std::move(node);
+  open_ = &rest;
+  reporter_ = reporter;
+  operand_reporter_ = nullptr;
+}
+
+void vrn_node_chain::add(vrn_node node, vrn_node& rest, vrn_operand_reporter reporter) {
+  add(std::move(node), rest, vrn_reporter{});
+  operand_reporter_ = reporter;
+}
+
+vrn_node vrn_parser::finish(vrn_node_chain& chain, vrn_node last) {
+  if (last) {
+    *chain.open_ = std::move(last);
+    return std::move(chain.first_);
+  }
+  if (chain.reporter_) fail(chain.reporter_, chain.last_->token);
+  if (chain.operand_reporter_) {
+    fail(chain.operand_reporter_, chain.last_->token, chain.last_->token->text);
+  }
+  return {};
+}
+
+vrn_node vrn_parser::fail(vrn_reporter reporter, const vrn_token& at) {
+  return failed_ ? vrn_node() : fail_loudly(reporter, at);
+}
+
+vrn_node vrn_parser::fail(vrn_operand_reporter reporter, const vrn_token& at,
+                          std::string_view operand) {
+  if (!failed_) reporter(*at, operand);
+  failed_ = true;
+  return {};
+}
+
+vrn_node vrn_parser::fail_loudly(vrn_reporter reporter, const vrn_token& at) {
+  reporter(*at);
+  failed_ = true;
+  return {};
+}
+
+bool vrn_parser::parse_program(const vrn_command_list& commands) {
+  for (const vrn_command& command : commands) {
+    if (is_define(command)) {
+      add_define(command);
+      continue;
+    }
+    vrn_node node = parse(*command);
+    if (!node) {
+      const vrn_token& first = command->tokens.front();
+      fail(report_cannot_parse_command, first, first->text);
+      return false;
+    }
+    ast_.nodes.push_back(std::move(node));
+  }
+  return true;
+}
+
+vrn_node vrn_parser::parse(const vrn_src_command& command) { return parse(whole(command)); }
+
+vrn_node vrn_parser::parse(vrn_src_command_view range) {
+  if (range.size() == 0) return {};
+  const nesting_level level(depth_);
+  if (level.too_deep()) return fail(report_nesting_too_deep, range.front());
+  vrn_node_chain chain;
+  for (;;) {
+    if (auto simple = parse_simple(range)) return finish(chain, *std::move(simple));
+    const auto sign = find_sign(range);
+    if (!sign) return finish(chain, parse_operators(range));
+    if (range.first < *sign && range.token(*sign - 1)->is_symbol(":") && *sign + 1 < range.last) {
+      return finish(chain, parse_list_addition(range, *sign));
+    }
+    if (!parse_assignment(range, *sign, chain)) return {};
+    range.first = *sign + 1;
+  }
+}
+
+std::optional<vrn_node> vrn_parser::parse_simple(const vrn_src_command_view& range) {
+  const vrn_token& first = range.front();
+  if (first->kind == vrn_token_kind::word) {
+    if (first->text == "if" || first->text == "else") return parse_condition(range);
+    if (first->text == "for") return parse_loop(range);
+    if (first->text == "return") return parse_return(range);
+  }
+  if (range.size() > 1) return std::nullopt;
+  switch (first->kind) {
+    case vrn_token_kind::word:
+      return parse_word(first);
+    case vrn_token_kind::string:
+      return ast_.make<vrn_ast_node_string>(first);
+    case vrn_token_kind::group_paren:
+      return parse_paren_group(range);
+    case vrn_token_kind::group_brace:
+      return parse_brace_group(range);
+    case vrn_token_kind::group_bracket:
+      return parse_initializer_list(range);
+    default:
+      return fail(report_unknown_symbol, first);
+  }
+}
+
+// Numbers are told by their characters alone, deliberately: fe and 1.2.3 are floats.
+vrn_node vrn_parser::parse_word(const vrn_token& token) {
+  if (!defines_.empty()) {
+    const auto found = defines_.find(token->text);
+    if (found != defines_.end() && !found->second.in_use) {
+      return replace_define(found->second, token);
+    }
+  }
+  if (consists_of(token->text, "0123456789")) return ast_.make<vrn_ast_node_int>(token);
+  if (consists_of(token->text, "0123456789.fe")) return ast_.make<vrn_ast_node_float>(token);
+  return ast_.make<vrn_ast_node_variable>(token);
+}
+
+void vrn_parser::add_define(const vrn_command& command) {
+  defines_[command->tokens.front()->text].command = command;
+}
+
+vrn_node vrn_parser::replace_define(define& found, const vrn_token& token) {
+  // The body may hold a define of its own name, so it is held here.
+  const vrn_command command = found.command;
+  vrn_src_command_view body = whole(*command);
+  ++body.first;
+  replaced_tokens_ += body.size();
+  if (++replacements_ > replacements_max || replaced_tokens_ > replaced_tokens_max) {
+    return fail(report_expands_too_much, token);
+  }
+  log_line(vrn_log_level::log, "Replacing define...");
+  found.in_use = true;
+  vrn_node node = parse(body);
+  found.in_use = false;
+  return node;
+}
+
+vrn_node vrn_parser::parse_paren_group(const vrn_src_command_view& range) {
+  const vrn_command_list& list = range.command->group(*range.front());
+  if (std::count_if(list.begin(), list.end(), std::not_fn(is_define)) > 1) {
+    return fail(report_too_many_expressions, range.front());
+  }
+  return parse_only(list);
+}
+
+vrn_node vrn_parser::parse_brace_group(const vrn_src_command_view& range) {
+  const vrn_command_list& list = range.command->group(*range.front());
+  const auto expressions = std::count_if(list.begin(), list.end(), std::not_fn(is_define));
+  auto block = ast_.make<vrn_ast_node_sub_block>(range.front());
+  if (expressions == 1) block->body = parse_only(list);
+  if (expressions > 1 || (expressions == 1 && !block->body)) {
+    return fail(report_cannot_parse_sub_block, range.front());
+  }
+  return block;
+}
+
+vrn_node vrn_parser::parse_only(const vrn_command_list& list) {
+  vrn_node node;
+  for (const vrn_command& command : list) {
+    if (is_define(command)) {
+      add_define(command);
+    } else {
+      node = parse(*command);
+    }
+  }
+  return node;
+}
+
+bool vrn_parser::parse_list(const vrn_command_list& list, vrn_reporter reporter,
+                            std::vector<vrn_node>& nodes) {
+  for (const vrn_command& command : list) {
+    if (is_define(command)) {
+      add_define(command);
+      continue;
+    }
+    vrn_node node = parse(*command);
+    if (!node) {
+      fail(reporter, command->tokens.front());
+      return false;
+    }
+    nodes.push_back(std::move(node));
+  }
+  return true;
+}
+
+std::shared_ptr<vrn_ast> create_ast(const vrn_src_command_map& commands) {
+  auto ast = std::make_shared<vrn_ast>();
+  ast->source = commands.source;
+  return vrn_parser(*ast).parse_program(commands.commands) ? ast : nullptr;
+}
+
+}  // namespace vorn

@@ -1,0 +1,54 @@
+// What the system gives: threads, clocks, the executable's path, the console, stop requests.
+//
+// The one place that knows the operating system; there is one source file for each system, and
+// nobody else asks which one it is. Callable from any thread unless said otherwise.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace vorn::platform {
+
+// The system's number of the calling thread, never 0.
+std::uint32_t thread_id() noexcept;
+
+// Wall-clock time in units of 100 nanoseconds since 1970-01-01.
+std::uint64_t wall_ticks() noexcept;
+
+// A monotonic, high-resolution time in nanoseconds.
+std::uint64_t monotonic_ns() noexcept;
+
+// Returns early when a signal arrives.
+void sleep_ms(std::uint32_t milliseconds) noexcept;
+
+// The path of the running executable; empty when it cannot be had.
+std::string executable_path();
+
+// The console: standard output. Nothing written to it is flushed before flush_console(), the end of
+// the program or, when it is a terminal and has not been given a buffer, the end of the line.
+
+// Gives the console a buffer that is written when it is full or flushed, on a terminal too. Called
+// by a program that flushes by itself, before it writes anything.
+void buffer_console() noexcept;
+
+// Begins a line in the colour of a text attribute (red 4, green 2, blue 1). Only a terminal shows
+// colours, and only while the variable NO_COLOR is unset; otherwise nothing is appended.
+void begin_line(std::string& line, int attribute);
+
+// Writes with one call, so lines of several threads do not mix.
+void write_console(std::string_view text) noexcept;
+void flush_console() noexcept;
+
+// Hands a coloured terminal back in its default colour, and flushes.
+void end_console() noexcept;
+
+// Writes to standard error, unbuffered.
+void write_error(std::string_view text) noexcept;
+
+// From here on, the user's first wish to end the program (an interrupt or a termination signal) is
+// only noted; the second ends it at once. Called by the main thread.
+void install_stop_signals() noexcept;
+bool stop_requested() noexcept;
+
+}  // namespace vorn::platform

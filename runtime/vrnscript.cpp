@@ -1,0 +1,63 @@
+#include <vornscript/vrnscript.hpp>
+
+#include <stdexcept>
+#include <utility>
+
+#include "stdlib/add_std_functions.hpp"
+#include "vm/interpreter_state.hpp"
+#include "vm/scheduler.hpp"
+
+namespace vorn {
+
+void vrn_thread_binding::bind(vrnscript* script) {
+  if (current_script) {
+    throw std::runtime_error("There can only be one script interpreter per thread!");
+  }
+  current_script = script_ = script;
+}
+
+vrn_thread_binding::~vrn_thread_binding() {
+  if (script_ && current_script == script_) current_script = nullptr;
+}
+
+vrnscript::vrnscript(vrnscript_config config) : state_(std::make_unique<vrnscript_state>()) {
+  state_->logger = std::move(config.logger);
+  state_->filesys = std::move(config.filesys);
+  state_->clock = std::move(config.clock);
+  if (!state_->filesys) state_->filesys = std::make_shared<vrn_filesys>();
+  if (!state_->logger) state_->logger = std::make_shared<vrn_log_base>(vrn_log_all);
+  if (!state_->clock) state_->clock = std::make_shared<vrn_clock>();
+  bind(this);
+  thread_name() = std::move(config.thread_name);
+  if (config.add_std_functions) add_std_functions();
+}
+
+vrnscript::~vrnscript() {
+  const vrn_interpreter_lock lock(state_->mutex);
+  state_->tasks = {};
+  state_->pools.drain();
+  if (const std::size_t blocks = state_->registry->size(); blocks > 0) {
+    log_line(vrn_log_level::error, "The interpreter ends before its programs: ", blocks,
+             " program blocks are still held.");
+  }
+}
+
+void vrnscript::tick() {
+  const vrn_interpreter_lock lock(state_->mutex);
+  run_due_tasks(*state_);
+  state_->pools.drain();
+}
+
+void vrnscript::register_std_function(std::string_view name, vrn_native callable,
+                                      std::uint32_t min_arguments, std::uint32_t max_arguments) {
+  state_->functions.insert_or_assign(
+      std::string(name), make_std_function(name, std::move(callable), min_arguments, max_arguments));
+}
+
+void vrnscript::add_std_functions() { vorn::add_std_functions(*this); }
+
+vrn_log_base& vrnscript::logger() const { return *state_->logger; }
+vrn_filesys& vrnscript::filesys() const { return *state_->filesys; }
+const vrn_clock& vrnscript::clock() const { return *state_->clock; }
+
+}  // namespace vorn

@@ -1,0 +1,57 @@
+#!/usr/bin/env bash
+# Runs the host program ($1) in the situations in which a user meets it.
+set -uo pipefail
+
+host=$(realpath "$1")
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cd "$folder"
+failures=0
+
+# expect NAME WANTED GOT
+expect() {
+  [[ $2 == "$3" ]] && return
+  printf '%s\n--- expected:\n%s\n--- got:\n%s\n' "$1" "$2" "$3"
+  failures=$((failures + 1))
+}
+
+greeting='[LOG] [MAIN] [ID] * This is a message.
+[WRN] [MAIN] [ID] ** This is a warning.
+[ERR] [MAIN] [ID] *** This is an error.'
+no_script="$greeting
+[ERR] [MAIN] [ID] *** Cannot find script file test_simple.vrs
+[ERR] [MAIN] [ID] *** Cannot create program."
+mask() { sed -E 's/\] \[[0-9]+\]/] [ID]/; s/[0-9]+ ms/N ms/'; }
+
+output=$("$host" | mask)
+expect 'without a script' "$no_script
+status 0" "$output
+status $?"
+
+# A terminal gets colours, and is handed back in its default colour.
+red=$'\e[31m' yellow=$'\e[33m' default=$'\e[0m'
+coloured=$(sed "s/^\[LOG/$default&/; s/^\[WRN/$yellow&/; s/^\[ERR/$red&/" <<<"$no_script")
+terminal() { script --quiet --command "$1" /dev/null </dev/null | tr -d '\r' | mask; }
+expect 'on a terminal' "$coloured"$'\n'"$default" "$(terminal "env -u NO_COLOR '$host'")"
+expect 'on a terminal without colours' "$no_script" "$(terminal "env NO_COLOR= '$host'")"
+
+mkdir test_simple.vrs
+expect 'with a folder for a script' "$greeting
+[ERR] [MAIN] [ID] *** Source file $folder/test_simple.vrs is empty.
+[ERR] [MAIN] [ID] *** token_map creation failed in N ms.
+[ERR] [MAIN] [ID] *** Cannot create program." "$("$host" | mask)"
+rmdir test_simple.vrs
+
+# It runs until it is told to stop, and what it writes is there at once.
+echo 'print("unheard");' >test_simple.vrs
+for signal in INT TERM; do
+  exec {lines}< <(exec "$host")
+  pid=$!
+  while read -r -u "$lines" line && [[ $line != *'SCHEDULE TEST!'* ]]; do :; done
+  kill -s "$signal" "$pid"
+  wait "$pid"
+  expect "stopped by $signal" 'status 0' "status $?"
+  exec {lines}<&-
+done
+
+exit $((failures != 0))

@@ -1,0 +1,352 @@
+// The instruction handlers.
+//
+// They work on the top slot of the task's value stack: loads replace what it holds, op_push adds an
+// empty slot, and the arithmetic and assignment instructions take the right operand off. A slot
+// shares the value that it holds, so a loaded variable can be assigned through it. Operands are
+// looked at through refs. A fault is reported and the run goes on.
+//
+// A result becomes a new value, in the place of an old one: when an operand is a number that nobody
+// but its slot holds, its value object is written over instead of being given back and taken again.
+#include "vm/handlers.hpp"
+
+#include <algorithm>
+#include <bit>
+#include <utility>
+
+#include <vornscript/program_block.hpp>
+#include <vornscript/task.hpp>
+
+#include "compiler/instruction.hpp"
+#include "vm/interpreter_state.hpp"
+#include "vm/payload.hpp"
+#include "vm/run.hpp"
+#include "vm/runtime_error.hpp"
+#include "vm/value_access.hpp"
+
+namespace vorn {
+namespace {
+
+constexpr std::size_t text_length_max = 268'435'456;
+
+template <vrn_opcode opcode>
+constexpr std::uint32_t size_of = vrn_opcodes[opcode].size;
+
+vrnvar_shared& top(vrn_vm_context& context) { return context.task->value_stack.back(); }
+
+vrnvar_shared pop(vrn_vm_context& context) {
+  auto& stack = context.task->value_stack;
+  vrnvar_shared popped = std::move(stack.back());
+  stack.pop_back();
+  return popped;
+}
+
+// The value of the top slot, null when it is empty.
+vrnvar* top_value(vrn_vm_context& context) { return deref_value(top(context).get()); }
+
+bool rewritable(const vrnvar* value) {
+  return value && value->refcount == 1 && value->type < vrn_type::primitive_end;
+}
+
+void write_number(vrnvar& value, std::uint64_t bits, vrn_type type) {
+  value.payload = bits;
+  value.marker = 0;
+  value.type = type;
+}
+
+// Puts a fresh number into a slot.
+void set_number(vrnvar_shared& slot, std::uint64_t bits, vrn_type type) {
+  if (!rewritable(slot.get())) slot = var_none();
+  write_number(*slot, bits, type);
+}
+
+// The same, where the value of a slot that is going away may serve as well.
+void set_number(vrnvar_shared& slot, vrnvar_shared& spare, std::uint64_t bits, vrn_type type) {
+  if (!rewritable(slot.get()) && rewritable(spare.get())) slot.swap(spare);
+  set_number(slot, bits, type);
+}
+
+std::uint32_t handle_op_load_value(vrn_vm_context& context, std::byte* record) {
+  top(context) = vrnvar_shared(read_field<vrnvar*>(record, 8));
+  return size_of<op_load_value>;
+}
+
+// The block `hops` parent links up, if it is there and holds variables.
+vrn_program_block_routine* outer_routine(vrn_program_block_base* block, std::uint32_t hops) {
+  for (; hops > 0 && block; --hops) block = block->parent;
+  return block && block->kind == vrn_block_kind::routine
+             ? static_cast<vrn_program_block_routine*>(block)
+             : nullptr;
+}
+
+std::uint32_t handle_op_load_outer_var(vrn_vm_context& context, std::byte* record) {
+  auto* value = read_field<vrnvar*>(record, 16);
+  if (!value) {
+    const auto* routine = outer_routine(context.block, read_field<std::uint32_t>(record, 4));
+    const auto index = read_field<std::uint32_t>(record, 8);
+    if (!routine) {
+      runtime_error_no_parent();
+      return size_of<op_load_outer_var>;
+    }
+    if (index >= routine->variables.size()) {
+      runtime_error_out_of_bounds();
+      return size_of<op_load_outer_var>;
+    }
+    value = routine->variables[index].get();
+    write_field(record, 16, value);
+  }
+  top(context) = vrnvar_shared(value);
+  return size_of<op_load_outer_var>;
+}
+
+std::uint32_t handle_op_skip40(vrn_vm_context&, std::byte*) { return size_of<op_skip40>; }
+
+std::uint32_t handle_op_load_int(vrn_vm_context& context, std::byte* record) {
+  set_number(top(context), read_field<std::uint64_t>(record, 8), vrn_type::integer);
+  return size_of<op_load_int>;
+}
+
+std::uint32_t handle_op_load_float(vrn_vm_context& context, std::byte* record) {
+  set_number(top(context), read_field<std::uint64_t>(record, 8), vrn_type::floating);
+  return size_of<op_load_float>;
+}
+
+std::uint32_t handle_op_load_string(vrn_vm_context& context, std::byte* record) {
+  static const std::vector<std::string> no_strings;
+  const auto& strings = context.block->strings ? *context.block->strings : no_strings;
+  top(context) = var_string(strings.at(read_field<std::uint32_t>(record, 4)));
+  return size_of<op_load_string>;
+}
+
+std::uint32_t handle_op_push(vrn_vm_context& context, std::byte*) {
+  context.task->value_stack.emplace_back();
+  return size_of<op_push>;
+}
+
+std::uint32_t handle_op_pop(vrn_vm_context& context, std::byte*) {
+  context.task->value_stack.pop_back();
+  return size_of<op_pop>;
+}
+
+std::uint32_t handle_op_assign(vrn_vm_context& context, std::byte*) {
+  const vrnvar_shared right = pop(context);
+  const vrnvar* const source = deref_value(right.get());
+  vrnvar* const target = top_value(context);
+  if (source && target) {
+    target->copy_from(source);
+  } else {
+    runtime_error_invalid_variable();
+  }
+  return size_of<op_assign>;
+}
+
+std::uint32_t handle_op_negate(vrn_vm_context& context, std::byte*) {
+  const vrnvar* const value = top_value(context);
+  const vrn_type type = value ? value->type : vrn_type::none;
+  if (type == vrn_type::floating) {
+    constexpr std::uint64_t sign = std::uint64_t{1} << 63;
+    set_number(top(context), value->payload ^ sign, type);
+  } else if (type == vrn_type::integer) {
+    // Unsigned, so that the most negative number wraps to itself.
+    set_number(top(context), 0 - value->payload, type);
+  } else {
+    runtime_error_negate(type);
+  }
+  return size_of<op_negate>;
+}
+
+// An operation is a type with `of` for a pair of integers' bits and for a pair of floats, the opcode
+// and the reporter of its type errors.
+
+struct addition {
+  static constexpr vrn_opcode opcode = op_add;
+  static constexpr auto invalid_type = runtime_error_add;
+  static std::uint64_t of(std::uint64_t left, std::uint64_t right) { return left + right; }
+  static double of(double left, double right) { return left + right; }
+};
+
+struct subtraction {
+  static constexpr vrn_opcode opcode = op_sub;
+  static constexpr auto invalid_type = runtime_error_sub;
+  static std::uint64_t of(std::uint64_t left, std::uint64_t right) { return left - right; }
+  static double of(double left, double right) { return left - right; }
+};
+
+struct multiplication {
+  static constexpr vrn_opcode opcode = op_mul;
+  static constexpr auto invalid_type = runtime_error_mul;
+  static std::uint64_t of(std::uint64_t left, std::uint64_t right) { return left * right; }
+  static double of(double left, double right) { return left * right; }
+};
+
+// Division by zero gives zero, deliberately without a report.
+struct division {
+  static constexpr vrn_opcode opcode = op_div;
+  static constexpr auto invalid_type = runtime_error_div;
+  static std::uint64_t of(std::uint64_t left, std::uint64_t right) {
+    const auto dividend = static_cast<std::int64_t>(left);
+    const auto divisor = static_cast<std::int64_t>(right);
+    if (divisor == 0) return 0;
+    if (divisor == -1) return 0 - left;
+    return static_cast<std::uint64_t>(dividend / divisor);
+  }
+  static double of(double left, double right) { return right == 0.0 ? 0.0 : left / right; }
+};
+
+// What stands for an empty slot.
+const vrnvar& nothing() {
+  static const vrnvar value;
+  return value;
+}
+
+template <class Operation>
+std::uint64_t of_integers(const vrnvar& left, const vrnvar& right) {
+  const auto divisor = static_cast<std::uint64_t>(right.get_int());
+  // The left side of a division by zero is not even converted.
+  if (Operation::opcode == op_div && divisor == 0) return 0;
+  return Operation::of(static_cast<std::uint64_t>(left.get_int()), divisor);
+}
+
+template <class Operation>
+std::uint64_t of_floats(const vrnvar& left, const vrnvar& right) {
+  const double first = left.get_float();
+  return std::bit_cast<std::uint64_t>(Operation::of(first, right.get_float()));
+}
+
+void concatenate(vrnvar_shared& slot, const vrnvar& left, const vrnvar& right) {
+  vrn_number_buffer left_buffer;
+  vrn_number_buffer right_buffer;
+  const std::string_view first = value_text(left, left_buffer);
+  const std::string_view second = value_text(right, right_buffer);
+  if (first.size() + second.size() > text_length_max) return runtime_error_text_too_long();
+  vrnvar_shared result = var_none();
+  result->set_type(vrn_type::string);
+  result->as<vrnvar_ptr_str>()->text.assign(first, second);
+  slot = std::move(result);
+}
+
+// All pairs of operands but two integers or two floats.
+template <class Operation>
+void combine_mixed(vrnvar_shared& slot, vrnvar_shared& spare, const vrnvar& left,
+                   const vrnvar& right) {
+  const vrn_type type = std::max(left.type, right.type);
+  if (type == vrn_type::integer) {
+    set_number(slot, spare, of_integers<Operation>(left, right), type);
+  } else if (type == vrn_type::floating) {
+    set_number(slot, spare, of_floats<Operation>(left, right), type);
+  } else if (type == vrn_type::string && Operation::opcode == op_add) {
+    concatenate(slot, left, right);
+  } else {
+    Operation::invalid_type(type);
+  }
+}
+
+template <class Operation>
+std::uint32_t arithmetic(vrn_vm_context& context, std::byte*) {
+  vrnvar_shared right = pop(context);
+  vrnvar_shared& slot = top(context);
+  const vrnvar* const r = right ? deref_value(right.get()) : nullptr;
+  const vrnvar* const l = deref_value(slot.get());
+  if (l && r && l->type == vrn_type::integer && r->type == vrn_type::integer) {
+    set_number(slot, right, Operation::of(l->payload, r->payload), vrn_type::integer);
+  } else if (l && r && l->type == vrn_type::floating && r->type == vrn_type::floating) {
+    const double result = Operation::of(l->as_float(), r->as_float());
+    set_number(slot, right, std::bit_cast<std::uint64_t>(result), vrn_type::floating);
+  } else {
+    combine_mixed<Operation>(slot, right, l ? *l : nothing(), r ? *r : nothing());
+  }
+  return size_of<Operation::opcode>;
+}
+
+std::uint32_t handle_op_args_begin(vrn_vm_context& context, std::byte* record) {
+  vrn_task& task = *context.task;
+  const auto count = read_field<std::uint32_t>(record, 4);
+  if (task.argument_frames.size() <= task.frame_depth) {
+    task.argument_frames.resize(task.frame_depth + 1);
+  }
+  auto& frame = task.argument_frames[task.frame_depth];
+  if (frame.size() > count) frame.resize(count);
+  while (frame.size() < count) frame.push_back(var_none());
+  ++task.frame_depth;
+  return size_of<op_args_begin>;
+}
+
+std::uint32_t handle_op_arg_set(vrn_vm_context& context, std::byte* record) {
+  vrn_task& task = *context.task;
+  vrnvar* const value = top_value(context);
+  // Native functions count on every argument being there.
+  task.argument_frames[task.frame_depth - 1][read_field<std::uint32_t>(record, 4)] =
+      value ? vrnvar_shared(value) : var_none();
+  return size_of<op_arg_set>;
+}
+
+// Closes the innermost argument frame, also when the native function throws. What the frame holds
+// is let go when the frame is used again.
+class frame_closer {
+ public:
+  explicit frame_closer(vrn_task& task) : task_(task) {}
+  ~frame_closer() { --task_.frame_depth; }
+  frame_closer(const frame_closer&) = delete;
+  frame_closer& operator=(const frame_closer&) = delete;
+
+ private:
+  vrn_task& task_;
+};
+
+std::uint32_t handle_op_call_native(vrn_vm_context& context, std::byte* record) {
+  vrn_task& task = *context.task;
+  const auto* const function = read_field<const vrn_std_function*>(record, 8);
+  vrn_vm_context copy = context;
+  const frame_closer closer(task);
+  vrnvar_shared result = function->callable(copy, task.argument_frames[task.frame_depth - 1]);
+  top(context) = std::move(result);
+  return size_of<op_call_native>;
+}
+
+std::uint32_t handle_op_call(vrn_vm_context& context, std::byte*) {
+  const vrnvar* const value = top_value(context);
+  auto* const payload = value && value->type == vrn_type::function
+                            ? value->as<vrnvar_ptr_function>()
+                            : nullptr;
+  vrn_program_block_routine* const routine = payload ? payload->routine.get() : nullptr;
+  if (!routine) {
+    runtime_error_not_a_function();
+  } else if (routine->active) {
+    // Not recursively either, deliberately: a routine has one set of variables.
+    runtime_error_parallel();
+  } else {
+    context.task->call_stack.push_back(routine->handle());
+    routine->active = true;
+  }
+  return size_of<op_call>;
+}
+
+std::uint32_t handle_op_store_arg(vrn_vm_context& context, std::byte* record) {
+  const auto& calls = context.task->call_stack;
+  const auto index = read_field<std::uint32_t>(record, 4);
+  vrn_program_block_routine* const routine = calls.empty() ? nullptr : calls.back().get();
+  if (routine && index < routine->variables.size() && routine->variables[index]) {
+    routine->variables[index]->copy_from(top(context).get());
+  }
+  return size_of<op_store_arg>;
+}
+
+std::uint32_t handle_op_yield(vrn_vm_context& context, std::byte*) {
+  ++context.task->pending_calls;
+  *context.stop_flag = run_status::called;
+  return size_of<op_yield>;
+}
+
+constexpr vrn_handler handle_op_add = arithmetic<addition>;
+constexpr vrn_handler handle_op_sub = arithmetic<subtraction>;
+constexpr vrn_handler handle_op_mul = arithmetic<multiplication>;
+constexpr vrn_handler handle_op_div = arithmetic<division>;
+
+}  // namespace
+
+constinit const std::array<vrn_handler, opcode_count> handlers = {
+#define VRN_OP(name, size, operands) handle_##name,
+#include "compiler/opcodes.def"
+#undef VRN_OP
+};
+
+}  // namespace vorn

@@ -1,0 +1,50 @@
+// What strings, json, classes and functions own: payload objects from the interpreter's pools, each
+// with the byte that says which slot of its chunk it lies in.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include <vornscript/program_block.hpp>
+#include <vornscript/value.hpp>
+#include <vornscript/vrnptr.hpp>
+
+#include "vm/json.hpp"
+#include "vm/text.hpp"
+
+namespace vorn {
+
+struct vrnvar_ptr_str {
+  std::uint8_t& pool_slot() { return slot; }
+  void pool_reset() noexcept { text.clear(); }
+
+  vrn_text text;
+  std::uint8_t slot = 255;
+};
+static_assert(sizeof(vrnvar_ptr_str) == 33);
+
+struct vrnvar_ptr_json {
+  std::uint8_t& pool_slot() { return slot; }
+  void pool_reset() noexcept { members.clear(); }
+
+  std::uint8_t slot = 255;
+  vrn_json_container members;
+};
+static_assert(sizeof(vrnvar_ptr_json) == 89);
+
+// Of a function: the routine that a call enters. Of a class: its members too.
+struct vrnvar_ptr_function {
+  std::uint8_t& pool_slot() { return slot; }
+  void pool_reset() noexcept {
+    routine.clear();
+    std::vector<vrnvar_shared>().swap(members);
+  }
+
+  vrnptr<vrn_program_block_routine> routine;
+  std::vector<vrnvar_shared> members;
+  std::uint8_t padding[7] = {};
+  std::uint8_t slot = 255;
+};
+static_assert(sizeof(vrnvar_ptr_function) == 48);
+
+}  // namespace vorn

@@ -1,0 +1,148 @@
+#include "vm/scheduler.hpp"
+
+#include <exception>
+#include <limits>
+#include <memory>
+#include <sstream>
+
+#include <vornscript/log.hpp>
+#include <vornscript/task.hpp>
+
+#include "vm/interpreter_state.hpp"
+#include "vm/run.hpp"
+
+namespace vorn {
+namespace {
+
+// A line about a task, which is shown by its address.
+template <class... Parts>
+void log_task(const vrn_task& task, const Parts&... parts) {
+  if (!get_log().enabled(vrn_log_level::verbose)) return;
+  std::ostringstream address;
+  address << static_cast<const void*>(&task);
+  log_line(vrn_log_level::verbose, "TASK ", address.str(), parts...);
+}
+
+bool has_live_routine(const vrn_task& task) {
+  return !task.call_stack.empty() && task.call_stack.back().get() != nullptr;
+}
+
+bool cannot_run(vrn_task& task) {
+  log_line(vrn_log_level::error, "Cannot run task!");
+  task.active = false;
+  return false;
+}
+
+bool finished(vrn_task& task) {
+  task.active = false;
+  log_task(task, " finished.");
+  return false;
+}
+
+// What a task needs to be dropped in the middle of its work.
+void fail(vrn_task& task, const char* reason) {
+  log_line(vrn_log_level::error, "Task failed: ", reason);
+  task.active = false;
+  task.frame_depth = 0;
+}
+
+void run_due_task(vrn_task& task) {
+  try {
+    if (task_continue(task)) schedule(task, 0);
+  } catch (const std::exception& exception) {
+    fail(task, exception.what());
+  } catch (...) {
+    fail(task, "unknown exception");
+  }
+}
+
+// Due times never wrap: they stop at 0 and at the largest time.
+std::uint64_t due_time(std::uint64_t now, std::int64_t delay) {
+  const auto distance = static_cast<std::uint64_t>(delay);
+  if (delay < 0) return now < 0 - distance ? 0 : now + distance;
+  const std::uint64_t latest = std::numeric_limits<std::uint64_t>::max();
+  return distance > latest - now ? latest : now + distance;
+}
+
+}  // namespace
+
+void release_last(vrn_task* task) noexcept { const std::unique_ptr<vrn_task> owned(task); }
+
+vrn_ref<vrn_task> task_create(vrnptr<vrn_program_block_routine>&& routine) {
+  auto task = std::make_unique<vrn_task>();
+  task->call_stack.push_back(routine);
+  routine.clear();
+  return vrn_ref<vrn_task>(task.release());
+}
+
+vrn_ref<vrn_task> task_create(const vrn_program& program) {
+  return task_create(program && program->main ? program->main->handle()
+                                              : vrnptr<vrn_program_block_routine>());
+}
+
+void task_run(vrn_task& task, std::int64_t delay_ms) {
+  if (task.active || !has_live_routine(task)) {
+    log_line(vrn_log_level::error, "Cannot run task!");
+    return;
+  }
+  if (task.pending_calls != 0) {
+    log_line(vrn_log_level::error, "TODO: Cleanup old routine data here!");
+  }
+  task.pending_calls = 0;
+  task.value_stack.clear();
+  task.value_stack.resize(1);
+  task.active = true;
+  log_task(task, " scheduled (eta: ", delay_ms, ").");
+  schedule(task, delay_ms);
+}
+
+void schedule(vrn_task& task, std::int64_t delay_ms) {
+  if (task.scheduled || !current_script) return;
+  vrnscript_state& state = current_script->state();
+  task.due_ms = due_time(state.clock->wall_ms(), delay_ms);
+  state.tasks.push(vrn_ref<vrn_task>(&task));
+  task.scheduled = true;
+}
+
+bool task_continue(vrn_task& task) {
+  if (!task.active) {
+    log_line(vrn_log_level::error, "task_continue called while the task was not active!");
+    return false;
+  }
+  for (;;) {
+    vrn_program_block_routine* const routine = task.call_stack.back().get();
+    if (!routine) return cannot_run(task);
+    switch (run(*routine, task)) {
+      case run_status::go_on:
+      case run_status::reserved:
+      case run_status::called:
+        break;
+      case run_status::ended:
+        if (task.pending_calls == 0) return finished(task);
+        --task.pending_calls;
+        task.call_stack.pop_back();
+        // A call that was refused counts as pending all the same, so the outermost routine can be
+        // taken off here.
+        if (task.call_stack.empty()) return finished(task);
+        break;
+      case run_status::returned:
+        // Nothing sets this status yet. The task stays active and is never run again.
+        log_line(vrn_log_level::error, "TODO: HANDLE RETURN!");
+        return false;
+      default:
+        return true;
+    }
+  }
+}
+
+void run_due_tasks(vrnscript_state& state) {
+  if (state.tasks.empty()) return;
+  const std::uint64_t now = state.clock->wall_ms();
+  while (!state.tasks.empty() && state.tasks.next_due() <= now) {
+    const vrn_ref<vrn_task> task = state.tasks.pop();
+    task->scheduled = false;
+    run_due_task(*task);
+  }
+}
+
+}  // namespace vorn

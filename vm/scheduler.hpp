@@ -1,0 +1,11 @@
+// The scheduler: runs the tasks of an interpreter when they are due.
+#pragma once
+
+namespace vorn {
+
+struct vrnscript_state;
+
+// Runs every task that is due, in the order of their due times. Called under the interpreter's lock.
+void run_due_tasks(vrnscript_state& state);
+
+}  // namespace vorn
