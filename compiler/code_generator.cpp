@@ -8,7 +8,6 @@
 #include <vornscript/vrnscript.hpp>
 
 #include "compiler/node_report.hpp"
-#include "frontend/nesting.hpp"
 #include "vm/number_text.hpp"
 
 namespace vorn {
@@ -50,52 +49,46 @@ bool vrn_code_generator::compile_list(vrn_program_block_base& block,
   return true;
 }
 
+// Operators and assignments wait on a stack while their two parts are compiled, so neither long nor
+// left-leaning expressions cost recursion.
 bool vrn_code_generator::compile(vrn_program_block_base& block, const vrn_ast_node& node) {
-  const nesting_level level(depth_);
-  if (level.too_deep()) return report_node(node, report_nesting_too_deep);
-  return compile_chain(block, node);
-}
-
-// Operators and assignments that hang on each other's last part, in a loop: their instructions come
-// after that part, in the opposite order.
-bool vrn_code_generator::compile_chain(vrn_program_block_base& block, const vrn_ast_node& node) {
-  const std::size_t outer = pending_.size();
+  const std::size_t outer = waiting_.size();
   const vrn_ast_node* at = &node;
   for (;;) {
     if (at->kind == vrn_node_kind::binary_node) {
       at = open_binary(block, static_cast<const vrn_ast_node_binary&>(*at));
-    } else if (at->kind == vrn_node_kind::assign_node) {
-      at = open_assign(block, static_cast<const vrn_ast_node_assign&>(*at));
-    } else {
-      break;
+      if (!at) return false;
+      continue;
     }
-    if (!at) return false;
+    if (at->kind == vrn_node_kind::assign_node) {
+      at = open_assign(block, static_cast<const vrn_ast_node_assign&>(*at));
+      if (!at) return false;
+      continue;
+    }
+    if (!compile_single(block, *at)) return false;
+    for (; waiting_.size() > outer && !waiting_.back().rest; waiting_.pop_back()) {
+      emit(*code_block(block), waiting_.back().opcode);
+    }
+    if (waiting_.size() == outer) return true;
+    emit(*code_block(block), op_push, 1u);
+    at = std::exchange(waiting_.back().rest, nullptr);
   }
-  if (!compile_last(block, *at)) return false;
-  for (; pending_.size() > outer; pending_.pop_back()) {
-    emit(*code_block(block), pending_.back());
-  }
-  return true;
 }
 
-const vrn_ast_node* vrn_code_generator::open_binary(vrn_program_block_base& block,
+const vrn_ast_node* vrn_code_generator::open_binary(const vrn_program_block_base& block,
                                                     const vrn_ast_node_binary& node) {
-  vrn_program_block_routine* const routine = code_block(block);
   const auto opcode = binary_opcode(node.op);
-  if (!routine || !opcode) {
+  if (block.kind != vrn_block_kind::routine || !opcode) {
     report_node(node, report_invalid_binary_operator, node.op);
     return nullptr;
   }
-  if (!compile(block, *node.left)) return nullptr;
-  emit(*routine, op_push, 1u);
-  pending_.push_back(*opcode);
-  return node.right.get();
+  waiting_.push_back({*opcode, node.right.get()});
+  return node.left.get();
 }
 
-const vrn_ast_node* vrn_code_generator::open_assign(vrn_program_block_base& block,
+const vrn_ast_node* vrn_code_generator::open_assign(const vrn_program_block_base& block,
                                                     const vrn_ast_node_assign& node) {
-  vrn_program_block_routine* const routine = code_block(block);
-  if (!routine || node.target->kind == vrn_node_kind::json_node) {
+  if (block.kind != vrn_block_kind::routine || node.target->kind == vrn_node_kind::json_node) {
     report_node(node, report_not_implemented);
     return nullptr;
   }
@@ -103,13 +96,11 @@ const vrn_ast_node* vrn_code_generator::open_assign(vrn_program_block_base& bloc
     report_node(node, report_cannot_assign);
     return nullptr;
   }
-  if (!compile(block, *node.target)) return nullptr;
-  emit(*routine, op_push, 1u);
-  pending_.push_back(op_assign);
-  return node.value.get();
+  waiting_.push_back({op_assign, node.value.get()});
+  return node.target.get();
 }
 
-bool vrn_code_generator::compile_last(vrn_program_block_base& block, const vrn_ast_node& node) {
+bool vrn_code_generator::compile_single(vrn_program_block_base& block, const vrn_ast_node& node) {
   switch (node.kind) {
     case vrn_node_kind::unary_node:
       return compile_unary(block, static_cast<const vrn_ast_node_unary&>(node));

@@ -48,15 +48,20 @@ class vrn_code_generator {
                                                     std::string_view name);
 
  private:
+  // An operator or assignment of which a part is being compiled.
+  struct waiting {
+    vrn_opcode opcode;
+    const vrn_ast_node* rest;  // its last part; null while that is compiled
+  };
   using string_index = std::unordered_map<std::string_view, std::uint32_t>;
 
   // code_generator.cpp
-  bool compile_chain(vrn_program_block_base& block, const vrn_ast_node& node);
-  // Compile all of the node but its last part, and set aside the instruction that comes after that
-  // part; null on failure, else the last part.
-  const vrn_ast_node* open_binary(vrn_program_block_base& block, const vrn_ast_node_binary& node);
-  const vrn_ast_node* open_assign(vrn_program_block_base& block, const vrn_ast_node_assign& node);
-  bool compile_last(vrn_program_block_base& block, const vrn_ast_node& node);
+  // Set an operator or assignment aside; give the part to be compiled first, null on failure.
+  const vrn_ast_node* open_binary(const vrn_program_block_base& block,
+                                  const vrn_ast_node_binary& node);
+  const vrn_ast_node* open_assign(const vrn_program_block_base& block,
+                                  const vrn_ast_node_assign& node);
+  bool compile_single(vrn_program_block_base& block, const vrn_ast_node& node);
   bool compile_unary(vrn_program_block_base& block, const vrn_ast_node_unary& node);
   bool compile_string(vrn_program_block_routine& block, std::string_view text);
   bool compile_variable(vrn_program_block_routine& block, std::string_view name);
@@ -85,8 +90,7 @@ class vrn_code_generator {
 
   vrnscript& script_;
   std::uint32_t& count_;
-  std::uint32_t depth_ = 0;
-  std::vector<vrn_opcode> pending_;  // instructions that wait for an expression's last part
+  std::vector<waiting> waiting_;
   // Beside each block's string table, so that finding a literal does not search it.
   std::unordered_map<const vrn_program_block_routine*, string_index> string_indexes_;
 };

@@ -1,5 +1,5 @@
-// Instruction records: an opcode in 32 bits, then its operands, little-endian and without alignment.
-// A record's size follows from its opcode alone.
+// Instruction records: an opcode in 32 bits, then its operands, little-endian and without
+// alignment. A record's size follows from its opcode alone.
 #pragma once
 
 #include <array>

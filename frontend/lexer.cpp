@@ -83,7 +83,7 @@ class lexer {
       : view_(view), begin_(view.text.data()), at_(begin_), end_(begin_ + view.text.size()) {}
 
   vrn_scan run() {
-    view_.tokens.reserve(view_.text.size() / 4);
+    view_.tokens.reserve(view_.text.size() / 8);
     view_.lines.push_back(0);
     while (at_ < end_) {
       if (!read_token()) return {};

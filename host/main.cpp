@@ -31,8 +31,7 @@ vorn::vrn_program load(vorn::vrnscript& script) {
 
 void sleep_until(std::uint64_t target_ns) {
   for (std::uint64_t now = vorn::platform::monotonic_ns();
-       now < target_ns && !vorn::platform::stop_requested();
-       now = vorn::platform::monotonic_ns()) {
+       now < target_ns && !vorn::platform::stop_requested(); now = vorn::platform::monotonic_ns()) {
     const std::uint64_t left_ns = target_ns - now;
     const std::uint64_t left_ms = left_ns / 1'000'000 + (left_ns % 1'000'000 != 0 ? 1 : 0);
     vorn::platform::sleep_ms(static_cast<std::uint32_t>(std::min(left_ms, longest_sleep_ms)));

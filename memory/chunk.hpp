@@ -32,14 +32,9 @@ struct vrn_pool_chunk {
 
   const std::byte* begin() const { return reinterpret_cast<const std::byte*>(this); }
 
-  // The address of slot k; also for a k that no slot has.
-  const std::byte* slot_address(std::size_t k) const { return begin() + k * sizeof(T); }
-
-  // Whether an object's address is from that of the first slot to that of the last.
-  bool contains(const T* object) const {
-    const auto at = reinterpret_cast<std::uintptr_t>(object);
-    const auto first = reinterpret_cast<std::uintptr_t>(begin());
-    return at >= first && at <= first + (chunk_slots - 1) * sizeof(T);
+  // Whether an object of this chunk lies in the slot with a number; 255 is the number of none.
+  bool is_at(const T* object, std::uint8_t slot) const {
+    return reinterpret_cast<const std::byte*>(object) == begin() + slot * sizeof(T);
   }
 
   std::uint8_t slot_of(const T* object) const {

@@ -13,6 +13,7 @@
 // A pooled type T has a one-byte slot number (pool_slot()) and can be emptied (pool_reset()).
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstdint>
@@ -56,20 +57,14 @@ class vrn_pool_heap {
   }
 
   static void give_back(T* object) noexcept {
+    if (!slot_is_right(object)) {
+      // It claims to lie in a pool, and no search would find it there.
+      pool_message::invalid_magic(0);
+      pool_message::invalid_memory(object->pool_slot());
+      return pool_message::unknown_object();
+    }
     object->pool_reset();
-    const std::lock_guard lock(mutex_);
-    region* home = region::of(object);
-    Chunk<T>& chunk = home->chunk;
-    const std::uint8_t slot = chunk.slot_of(object);
-    Chunk<T>::end(object);
-    chunk.free_stack[chunk.free_count++] = slot;
-    if (chunk.free_count == chunk_slots && home != current_) region::destroy(home);
-  }
-
-  // Whether the slot byte of an object that lies here is as it should be.
-  static bool slot_is_right(T* object) {
-    const region* home = region::of(object);
-    return home->chunk.magic != chunk_alive || object->pool_slot() == heap_slot;
+    if (!put_back(object)) pool_message::already_free();
   }
 
   // Takes a chunk over from a pool that is being destroyed.
@@ -80,6 +75,25 @@ class vrn_pool_heap {
   }
 
  private:
+  // The objects of a chunk that came from a pool keep their slot numbers.
+  static bool slot_is_right(T* object) noexcept {
+    const std::lock_guard lock(mutex_);
+    return object->pool_slot() == heap_slot || region::of(object)->chunk.magic != chunk_alive;
+  }
+
+  // False when the object's chunk is wholly free.
+  static bool put_back(T* object) noexcept {
+    const std::lock_guard lock(mutex_);
+    region* home = region::of(object);
+    Chunk<T>& chunk = home->chunk;
+    if (chunk.free_count == chunk_slots) return false;
+    const std::uint8_t slot = chunk.slot_of(object);
+    Chunk<T>::end(object);
+    chunk.free_stack[chunk.free_count++] = slot;
+    if (chunk.free_count == chunk_slots && home != current_) region::destroy(home);
+    return true;
+  }
+
   static inline constinit std::mutex mutex_;
   static inline constinit region* current_ = nullptr;
 };
@@ -120,17 +134,15 @@ class vrn_pool : public vrn_pool_base {
     return take();
   }
 
-  // Puts an object of this pool, or of the heap, back. On the owner's thread.
+  // Puts an object of this pool back. On the owner's thread.
   void give_back(T* object) noexcept {
     region* home = region::of(object);
-    if (home->owner.load(std::memory_order_relaxed) != this) return give_back_heap(object);
     Chunk<T>& chunk = home->chunk;
-    const auto* const claimed = chunk.slot_address(object->pool_slot());
-    if (claimed != reinterpret_cast<const std::byte*>(object) || chunk.magic != chunk_alive ||
-        chunk.free_count == chunk_slots) {
-      if (!mend(object)) return;
+    if (!chunk.is_at(object, object->pool_slot()) || chunk.magic != chunk_alive) {
+      if (!mend(object, chunk)) return;
     }
     object->pool_reset();
+    if (chunk.free_count == chunk_slots) return pool_message::already_free();
     const std::uint8_t slot = object->pool_slot();
     Chunk<T>::end(object);
     chunk.free_stack[chunk.free_count++] = slot;
@@ -161,34 +173,14 @@ class vrn_pool : public vrn_pool_base {
     home->listed = true;
   }
 
-  void give_back_heap(T* object) noexcept {
-    if (heap::slot_is_right(object)) return heap::give_back(object);
-    mend(object);
-  }
-
-  // Looks for an object whose slot byte, or whose chunk, is not what it should be, and gives it its
-  // right slot number. False when the object has to be left alone.
-  bool mend(T* object) noexcept {
+  // Gives an object whose slot byte, or whose chunk, is not what it should be its right slot number.
+  // False when the object has to be left alone. What stands where the object claims that its chunk
+  // begins is not looked at; the search for its real chunk ends at the one found by masking.
+  static bool mend(T* object, const Chunk<T>& chunk) noexcept {
     const std::uint8_t claimed = object->pool_slot();
-    const region* home = region::of(object);
-    if (home->owner.load(std::memory_order_relaxed) == this &&
-        home->chunk.slot_address(claimed) == reinterpret_cast<const std::byte*>(object) &&
-        home->chunk.magic == chunk_alive) {
-      pool_message::already_free();
-      return false;
-    }
-    pool_message::invalid_magic(reinterpret_cast<const void*>(claimed_magic(object, claimed)),
-                                reinterpret_cast<const void*>(std::uintptr_t{chunk_alive}));
-    pool_message::invalid_memory(claimed);
-    const auto found = std::find_if(chunks_.begin(), chunks_.end(), [object](const region* each) {
-      return each->chunk.contains(object);
-    });
-    if (found == chunks_.end()) {
-      pool_message::unknown_object();
-      return false;
-    }
-    const Chunk<T>& chunk = (*found)->chunk;
     const std::uint8_t actual = chunk.slot_of(object);
+    pool_message::invalid_magic(claimed == actual ? chunk.magic : 0);
+    pool_message::invalid_memory(claimed);
     pool_message::wrong_place(object, &chunk, claimed, actual);
     // The search for the claimed slot deliberately looks at one entry more than is valid: the slot
     // that was taken last.
@@ -199,15 +191,6 @@ class vrn_pool : public vrn_pool_base {
     }
     object->pool_slot() = actual;
     return true;
-  }
-
-  // What stands where the magic of the chunk would be that the object claims to come from; 0 when
-  // that lies outside of what the object's region is known to hold.
-  static std::uintptr_t claimed_magic(const T* object, std::uint8_t claimed) {
-    const region* home = region::of(object);
-    const auto begin = reinterpret_cast<std::uintptr_t>(home->chunk.begin());
-    const auto chunk = reinterpret_cast<std::uintptr_t>(object) - claimed * sizeof(T);
-    return chunk == begin ? home->chunk.magic : 0;
   }
 
   std::vector<region*> chunks_;
@@ -227,12 +210,12 @@ class vrn_pool_threadsafe final : public vrn_pool<T, Chunk> {
   // Releases an object on any thread; `own` is the pool of the calling thread's interpreter.
   static void release(T* object, vrn_pool_threadsafe* own) noexcept {
     vrn_pool_base* owner = region::of(object)->owner.load(std::memory_order_relaxed);
-    if (own && (owner == own || !owner)) {
-      own->give_back(object);
-    } else if (owner) {
-      static_cast<vrn_pool_threadsafe*>(owner)->queue(object);
-    } else {
+    if (!owner) {
       heap::give_back(object);
+    } else if (owner == own) {
+      own->give_back(object);
+    } else {
+      static_cast<vrn_pool_threadsafe*>(owner)->queue(object);
     }
   }
 

@@ -5,6 +5,8 @@
 
 #include <vornscript/log.hpp>
 
+#include "memory/chunk.hpp"
+
 namespace vorn::pool_message {
 namespace {
 
@@ -19,8 +21,9 @@ void write_error(const char* format, Values... values) {
 
 }  // namespace
 
-void invalid_magic(const void* found, const void* expected) {
-  write_error("invalid pool magic num: %p vs %p", found, expected);
+void invalid_magic(std::uint32_t found) {
+  const auto shown = [](std::uintptr_t magic) { return reinterpret_cast<const void*>(magic); };
+  write_error("invalid pool magic num: %p vs %p", shown(found), shown(chunk_alive));
 }
 
 void invalid_memory(int slot) { write_error("invalid variable pool memory! %i", slot); }

@@ -3,26 +3,38 @@
 namespace vorn {
 namespace {
 
-// What a node of a chain holds on to the rest by; null for a node that ends chains.
-vrn_node* rest_of(vrn_ast_node& node) {
-  switch (node.kind) {
-    case vrn_node_kind::binary_node:
-      return &static_cast<vrn_ast_node_binary&>(node).right;
-    case vrn_node_kind::assign_node:
-      return &static_cast<vrn_ast_node_assign&>(node).value;
-    default:
-      return nullptr;
+// The two parts of an operator or assignment; null for any other node.
+struct parts {
+  vrn_node* first = nullptr;
+  vrn_node* last = nullptr;
+};
+
+parts parts_of(vrn_ast_node& node) {
+  if (node.kind == vrn_node_kind::binary_node) {
+    auto& binary = static_cast<vrn_ast_node_binary&>(node);
+    return {&binary.left, &binary.right};
   }
+  if (node.kind == vrn_node_kind::assign_node) {
+    auto& assign = static_cast<vrn_ast_node_assign&>(node);
+    return {&assign.target, &assign.value};
+  }
+  return {};
 }
 
 }  // namespace
 
-// Long expressions group to the right; by recursion their release would overflow the stack.
+// Long or deep expressions would overflow the stack, were they released by recursion. A first part
+// that has parts itself changes places with the node above it, until all hang on last parts.
 void release_chain(vrn_node chain) noexcept {
   while (chain.unique()) {
-    vrn_node* const rest = rest_of(*chain);
-    if (!rest) return;
-    vrn_node next = std::move(*rest);
+    const parts own = parts_of(*chain);
+    if (!own.last) return;
+    const parts inner = own.first->unique() ? parts_of(**own.first) : parts();
+    vrn_node next = std::move(inner.last ? *own.first : *own.last);
+    if (inner.last) {
+      *own.first = std::move(*inner.last);
+      *inner.last = std::move(chain);
+    }
     chain = std::move(next);
   }
 }

@@ -34,7 +34,7 @@ struct vrn_ast_node {
   vrn_token token;
 
  protected:
-  vrn_ast_node(vrn_node_kind node_kind, vrn_token at) : kind(node_kind), token(std::move(at)) {}
+  vrn_ast_node(vrn_node_kind node_kind, const vrn_token& at) : kind(node_kind), token(at) {}
 };
 
 inline void release_last(vrn_ast_node* node) noexcept { vrn_block_store::destroy(node); }
@@ -44,15 +44,18 @@ using vrn_node = vrn_ref<vrn_ast_node>;
 // The base of the node class with a given kind; all of its members start empty.
 template <vrn_node_kind node_kind>
 struct vrn_ast_node_of : vrn_ast_node {
-  explicit vrn_ast_node_of(vrn_token at = {}) : vrn_ast_node(node_kind, std::move(at)) {}
+  explicit vrn_ast_node_of(const vrn_token& at = {}) : vrn_ast_node(node_kind, at) {}
 };
 
-// Frees a chain of nodes that hang on each other's last member, one after the other.
+// Releases an operator or assignment, and those below it one after the other.
 void release_chain(vrn_node chain) noexcept;
 
 struct vrn_ast_node_assign : vrn_ast_node_of<vrn_node_kind::assign_node> {
   using vrn_ast_node_of::vrn_ast_node_of;
-  ~vrn_ast_node_assign() override { release_chain(std::move(value)); }
+  ~vrn_ast_node_assign() override {
+    release_chain(std::move(target));
+    release_chain(std::move(value));
+  }
 
   std::vector<std::vector<vrn_token>> keywords;  // the word groups before the target
   vrn_node target;
@@ -134,7 +137,10 @@ struct vrn_ast_node_string : vrn_ast_node_of<vrn_node_kind::string_node> {
 
 struct vrn_ast_node_binary : vrn_ast_node_of<vrn_node_kind::binary_node> {
   using vrn_ast_node_of::vrn_ast_node_of;
-  ~vrn_ast_node_binary() override { release_chain(std::move(right)); }
+  ~vrn_ast_node_binary() override {
+    release_chain(std::move(left));
+    release_chain(std::move(right));
+  }
 
   std::string_view op;  // lies in the source text
   vrn_node left;

@@ -41,9 +41,7 @@ vrn_node vrn_parser::parse_index(const vrn_src_command_view& range) {
     return fail(report_invalid_after_bracket, range.front());
   }
   const vrn_command_list& list = range.command->group(*range.back());
-  if (std::count_if(list.begin(), list.end(), is_ordinary) > 1) {
-    return fail(report_too_many_expressions, range.front());
-  }
+  if (expressions_in(list) > 1) return fail(report_too_many_expressions, range.front());
   auto entry = ast_.make<vrn_ast_node_json_literal>(range.front());
   entry->key = parse({range.command, range.first, range.last - 1});
   if (entry->key) entry->value = parse_only(list);
@@ -70,22 +68,30 @@ vrn_node vrn_parser::parse_initializer_list(const vrn_src_command_view& range) {
   return node;
 }
 
-// Entries stand between commas; "=" parts an entry's key from its value.
+// Entries stand between commas.
 bool vrn_parser::parse_initializer_entries(const vrn_src_command_view& range,
                                            std::vector<std::vector<vrn_node>>& entries) {
-  entries.emplace_back();
   vrn_src_command_view part = {range.command, range.first, range.first};
   for (; part.last <= range.last; ++part.last) {
-    const bool ends = part.last == range.last || range.token(part.last)->is_symbol(",");
-    const bool keyed = !ends && entries.back().empty() && range.token(part.last)->is_symbol("=");
-    if (!ends && !keyed) continue;
-    vrn_node node = parse(part);
-    if (!node) return false;
-    entries.back().push_back(std::move(node));
-    if (ends && part.last < range.last) entries.emplace_back();
+    if (part.last < range.last && !range.token(part.last)->is_symbol(",")) continue;
+    if (!parse_initializer_entry(part, entries.emplace_back())) return false;
     part.first = part.last + 1;
   }
   return true;
+}
+
+// "=" parts an entry's key from its value.
+bool vrn_parser::parse_initializer_entry(const vrn_src_command_view& range,
+                                         std::vector<vrn_node>& entry) {
+  vrn_src_command_view part = {range.command, range.first, range.first};
+  while (part.last < range.last && !range.token(part.last)->is_symbol("=")) ++part.last;
+  if (part.last < range.last) {
+    entry.push_back(parse(part));
+    if (!entry.back()) return false;
+    part = {range.command, part.last + 1, range.last};
+  }
+  entry.push_back(parse(part));
+  return bool(entry.back());
 }
 
 vrn_node vrn_parser::parse_function_def(const vrn_src_command_view& range) {
@@ -107,7 +113,9 @@ vrn_node vrn_parser::parse_function_def(const vrn_src_command_view& range) {
     node->params.push_back(std::move(param));
   }
   const vrn_command_list& body = range.command->group(*range.back());
-  if (!parse_list(body, report_cannot_parse_function_body, node->body)) return {};
+  if (const vrn_src_command* const failed = parse_list(body, node->body)) {
+    return fail(report_cannot_parse_function_body, failed->tokens.front());
+  }
   return node;
 }
 
@@ -139,7 +147,7 @@ vrn_node vrn_parser::parse_struct(const vrn_src_command_view& range) {
   if (is_class) log_line(vrn_log_level::log, "class def!");
   auto node = ast_.make<vrn_ast_node_class_def>(range.token(range.last - 2));
   const vrn_command_list& body = range.command->group(*range.back());
-  if (!parse_list(body, report_cannot_parse_class_body, node->entries)) return {};
+  if (parse_list(body, node->entries)) return fail(report_cannot_parse_class_body, first);
   return node;
 }
 

@@ -1,7 +1,8 @@
 // Assignments and operators.
 //
-// Chains that group to the right (a - b - c, a = b = c) are read in a loop and linked as they come,
-// so their length costs no stack; only left sides, prefix operators and groups recurse.
+// What waits for a side of its own is kept on a stack of the parser, not by recursion, so neither the
+// length of an expression nor its mix of operators costs stack; only prefix and postfix operators
+// and groups recurse.
 #include <optional>
 #include <utility>
 
@@ -21,8 +22,10 @@ bool begins_operator(const vrn_src_token& token) {
          std::string_view("!&*+-/<>^|").find(token.text[0]) != std::string_view::npos;
 }
 
-bool is_any(std::string_view op, std::string_view first, std::string_view second) {
-  return op == first || op == second;
+// Whether a range of several tokens begins with a sign, which an operator in front of the range had
+// kept from being one.
+bool begins_with_sign(const vrn_src_command_view& range) {
+  return is_sign(*range.front()) && !is_sign(*range.token(range.first + 1));
 }
 
 vrn_src_command_view before(vrn_src_command_view range, std::uint32_t position) {
@@ -52,8 +55,7 @@ std::optional<std::uint32_t> vrn_parser::find_sign(const vrn_src_command_view& r
 
 // The tokens before the sign fall into groups at blanks: the last group is the target, the ones
 // before it are keywords.
-bool vrn_parser::parse_assignment(const vrn_src_command_view& range, std::uint32_t sign,
-                                  vrn_node_chain& chain) {
+bool vrn_parser::parse_target(const vrn_src_command_view& range, std::uint32_t sign) {
   const vrn_token& sign_token = range.token(sign);
   if (sign == range.first || sign + 1 == range.last) {
     fail(report_no_value_to_assign, sign_token);
@@ -78,9 +80,22 @@ bool vrn_parser::parse_assignment(const vrn_src_command_view& range, std::uint32
     report_assign_keywords_ignored(*range.front());
     node->keywords.clear();
   }
-  vrn_node& value = node->value;
-  chain.add(std::move(node), value, report_cannot_parse_assigned);
+  assigns_.push_back(std::move(node));
   return true;
+}
+
+// Gives the values to the assignments that wait, the last one first; the first of them is the whole.
+vrn_node vrn_parser::finish_assigns(std::size_t outer, vrn_node value) {
+  for (; assigns_.size() > outer; assigns_.pop_back()) {
+    vrn_ref<vrn_ast_node_assign>& node = assigns_.back();
+    if (!value) {
+      fail(report_cannot_parse_assigned, node->token);
+    } else {
+      node->value = std::move(value);
+      value = std::move(node);
+    }
+  }
+  return value;
 }
 
 vrn_node vrn_parser::parse_list_addition(const vrn_src_command_view& range, std::uint32_t sign) {
@@ -101,44 +116,68 @@ vrn_node vrn_parser::parse_operators(const vrn_src_command_view& range) {
   return node;
 }
 
+// Goes down along left sides, and up again with what they give, to turn right where a left side has
+// been waited for.
 vrn_node vrn_parser::parse_split(vrn_src_command_view range, std::uint32_t at) {
-  vrn_node_chain chain;
+  const std::size_t outer = splits_.size();
   for (;;) {
-    if (at == vrn_operator_index::none) return finish(chain, parse_bracket_form(range));
-    const vrn_operator_index::entry split = operators_[at];
-    const vrn_token& token = range.token(split.position);
-    const bool first = split.position == range.first;
-    const bool last = split.position + 1 == range.last;
-    if (last && is_any(token->text, "++", "--")) {
-      return finish(chain, parse_unary(range, at, true));
+    for (; !is_operand(range, at); at = operators_[at].left) {
+      add_split(range, at);
+      range = before(range, operators_[at].position);
     }
-    if (first && (is_any(token->text, "++", "--") || is_any(token->text, "-", "+") ||
-                  token->text == "!")) {
-      return finish(chain, parse_unary(range, at, false));
-    }
-    if (first || last) {
-      return finish(chain, fail_loudly(report_operator_without_operands, token));
-    }
-    auto node = ast_.make<vrn_ast_node_binary>(token);
-    node->op = token->text;
-    node->left = parse_operand(before(range, split.position), split.left);
-    if (!node->left) return finish(chain, fail(report_cannot_parse_left, token, token->text));
-    vrn_node& right = node->right;
-    chain.add(std::move(node), right, report_cannot_parse_right);
-    range = after(range, split.position);
-    at = split.right;
-    if (is_sign(*range.front())) return finish(chain, parse_operand(range, at));
-    if (auto simple = parse_simple(range)) return finish(chain, *std::move(simple));
+    vrn_node side = finish_splits(outer, parse_operand(range, at));
+    if (splits_.size() == outer) return side;
+    range = splits_.back().rest;
+    at = splits_.back().at;
   }
 }
 
-vrn_node vrn_parser::parse_operand(const vrn_src_command_view& range, std::uint32_t at) {
-  if (auto simple = parse_simple(range)) return *std::move(simple);
-  // An operator in front of it kept this sign from being one; the range by itself begins with it.
-  if (is_sign(*range.front()) && !is_sign(*range.token(range.first + 1))) {
-    return fail(report_no_value_to_assign, range.front());
+void vrn_parser::add_split(const vrn_src_command_view& range, std::uint32_t at) {
+  const vrn_operator_index::entry& split = operators_[at];
+  auto node = ast_.make<vrn_ast_node_binary>(range.token(split.position));
+  node->op = node->token->text;
+  splits_.push_back({std::move(node), after(range, split.position), split.right});
+}
+
+// Hangs a side onto the operator that waits for it, and so on with every operator that is complete
+// then. What is left is the whole, unless an operator waits for its right side.
+vrn_node vrn_parser::finish_splits(std::size_t outer, vrn_node side) {
+  for (; splits_.size() > outer; splits_.pop_back()) {
+    vrn_ref<vrn_ast_node_binary>& node = splits_.back().node;
+    if (!side && !node->left) {
+      fail(report_cannot_parse_left, node->token, node->op);
+    } else if (!side) {
+      fail(report_cannot_parse_right, node->token, node->op);
+    } else if (!node->left) {
+      node->left = std::move(side);
+      break;
+    } else {
+      node->right = std::move(side);
+      side = std::move(node);
+    }
   }
-  return parse_split(range, at);
+  return side;
+}
+
+bool vrn_parser::is_operand(const vrn_src_command_view& range, std::uint32_t at) const {
+  if (is_simple(range) || begins_with_sign(range) || at == vrn_operator_index::none) return true;
+  const std::uint32_t position = operators_[at].position;
+  return position == range.first || position + 1 == range.last;
+}
+
+vrn_node vrn_parser::parse_operand(const vrn_src_command_view& range, std::uint32_t at) {
+  if (is_simple(range)) return parse_simple(range);
+  if (begins_with_sign(range)) return fail(report_no_value_to_assign, range.front());
+  if (at == vrn_operator_index::none) return parse_bracket_form(range);
+  const std::uint32_t position = operators_[at].position;
+  const vrn_token& token = range.token(position);
+  const bool doubled = token->text == "++" || token->text == "--";
+  if (position + 1 == range.last && doubled) return parse_unary(range, at, true);
+  if (position == range.first &&
+      (doubled || token->text == "!" || token->text == "-" || token->text == "+")) {
+    return parse_unary(range, at, false);
+  }
+  return fail_loudly(report_operator_without_operands, token);
 }
 
 vrn_node vrn_parser::parse_unary(const vrn_src_command_view& range, std::uint32_t at,
@@ -155,7 +194,7 @@ vrn_node vrn_parser::parse_unary(const vrn_src_command_view& range, std::uint32_
   auto node = ast_.make<vrn_ast_node_unary>(token);
   node->op = token->text;
   node->postfix = postfix;
-  if (rest.size() > 0) node->operand = parse_operand(rest, postfix ? split.left : split.right);
+  if (rest.size() > 0) node->operand = parse_split(rest, postfix ? split.left : split.right);
   return node->operand ? node : fail(reporter, token);
 }
 

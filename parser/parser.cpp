@@ -20,37 +20,20 @@ vrn_src_command_view whole(const vrn_src_command& command) {
   return {&command, 0, static_cast<std::uint32_t>(command.tokens.size())};
 }
 
+bool is_define(const vrn_command& command) { return command->kind == vrn_command_kind::define; }
+
 bool consists_of(std::string_view text, std::string_view characters) {
   return text.find_first_not_of(characters) == std::string_view::npos;
 }
 
-bool is_define(const vrn_command& command) { return command->kind == vrn_command_kind::define; }
+bool is_keyword(std::string_view text) {
+  return text == "if" || text == "else" || text == "for" || text == "return";
+}
 
 }  // namespace
 
-void vrn_node_chain::add(vrn_node node, vrn_node& rest, vrn_reporter reporter) {
-  last_ = node.get();
-  *open_ = std::move(node);
-  open_ = &rest;
-  reporter_ = reporter;
-  operand_reporter_ = nullptr;
-}
-
-void vrn_node_chain::add(vrn_node node, vrn_node& rest, vrn_operand_reporter reporter) {
-  add(std::move(node), rest, vrn_reporter{});
-  operand_reporter_ = reporter;
-}
-
-vrn_node vrn_parser::finish(vrn_node_chain& chain, vrn_node last) {
-  if (last) {
-    *chain.open_ = std::move(last);
-    return std::move(chain.first_);
-  }
-  if (chain.reporter_) fail(chain.reporter_, chain.last_->token);
-  if (chain.operand_reporter_) {
-    fail(chain.operand_reporter_, chain.last_->token, chain.last_->token->text);
-  }
-  return {};
+std::size_t expressions_in(const vrn_command_list& list) {
+  return list.size() - static_cast<std::size_t>(std::count_if(list.begin(), list.end(), is_define));
 }
 
 vrn_node vrn_parser::fail(vrn_reporter reporter, const vrn_token& at) {
@@ -71,20 +54,11 @@ vrn_node vrn_parser::fail_loudly(vrn_reporter reporter, const vrn_token& at) {
 }
 
 bool vrn_parser::parse_program(const vrn_command_list& commands) {
-  for (const vrn_command& command : commands) {
-    if (is_define(command)) {
-      add_define(command);
-      continue;
-    }
-    vrn_node node = parse(*command);
-    if (!node) {
-      const vrn_token& first = command->tokens.front();
-      fail(report_cannot_parse_command, first, first->text);
-      return false;
-    }
-    ast_.nodes.push_back(std::move(node));
-  }
-  return true;
+  const vrn_src_command* const failed = parse_list(commands, ast_.nodes);
+  if (!failed) return true;
+  const vrn_token& first = failed->tokens.front();
+  fail(report_cannot_parse_command, first, first->text);
+  return false;
 }
 
 vrn_node vrn_parser::parse(const vrn_src_command& command) { return parse(whole(command)); }
@@ -93,30 +67,33 @@ vrn_node vrn_parser::parse(vrn_src_command_view range) {
   if (range.size() == 0) return {};
   const nesting_level level(depth_);
   if (level.too_deep()) return fail(report_nesting_too_deep, range.front());
-  vrn_node_chain chain;
+  const std::size_t outer = assigns_.size();
+  return finish_assigns(outer, parse_value(range));
+}
+
+vrn_node vrn_parser::parse_value(vrn_src_command_view range) {
   for (;;) {
-    if (auto simple = parse_simple(range)) return finish(chain, *std::move(simple));
+    if (is_simple(range)) return parse_simple(range);
     const auto sign = find_sign(range);
-    if (!sign) return finish(chain, parse_operators(range));
+    if (!sign) return parse_operators(range);
     if (range.first < *sign && range.token(*sign - 1)->is_symbol(":") && *sign + 1 < range.last) {
-      return finish(chain, parse_list_addition(range, *sign));
+      return parse_list_addition(range, *sign);
     }
-    if (!parse_assignment(range, *sign, chain)) return {};
+    if (!parse_target(range, *sign)) return {};
     range.first = *sign + 1;
   }
 }
 
-std::optional<vrn_node> vrn_parser::parse_simple(const vrn_src_command_view& range) {
+bool vrn_parser::is_simple(const vrn_src_command_view& range) {
+  return range.size() == 1 ||
+         (range.front()->kind == vrn_token_kind::word && is_keyword(range.front()->text));
+}
+
+vrn_node vrn_parser::parse_simple(const vrn_src_command_view& range) {
   const vrn_token& first = range.front();
-  if (first->kind == vrn_token_kind::word) {
-    if (first->text == "if" || first->text == "else") return parse_condition(range);
-    if (first->text == "for") return parse_loop(range);
-    if (first->text == "return") return parse_return(range);
-  }
-  if (range.size() > 1) return std::nullopt;
   switch (first->kind) {
     case vrn_token_kind::word:
-      return parse_word(first);
+      return parse_word(range);
     case vrn_token_kind::string:
       return ast_.make<vrn_ast_node_string>(first);
     case vrn_token_kind::group_paren:
@@ -131,7 +108,11 @@ std::optional<vrn_node> vrn_parser::parse_simple(const vrn_src_command_view& ran
 }
 
 // Numbers are told by their characters alone, deliberately: fe and 1.2.3 are floats.
-vrn_node vrn_parser::parse_word(const vrn_token& token) {
+vrn_node vrn_parser::parse_word(const vrn_src_command_view& range) {
+  const vrn_token& token = range.front();
+  if (token->text == "if" || token->text == "else") return parse_condition(range);
+  if (token->text == "for") return parse_loop(range);
+  if (token->text == "return") return parse_return(range);
   if (!defines_.empty()) {
     const auto found = defines_.find(token->text);
     if (found != defines_.end() && !found->second.in_use) {
@@ -165,20 +146,16 @@ vrn_node vrn_parser::replace_define(define& found, const vrn_token& token) {
 
 vrn_node vrn_parser::parse_paren_group(const vrn_src_command_view& range) {
   const vrn_command_list& list = range.command->group(*range.front());
-  if (std::count_if(list.begin(), list.end(), std::not_fn(is_define)) > 1) {
-    return fail(report_too_many_expressions, range.front());
-  }
+  if (expressions_in(list) > 1) return fail(report_too_many_expressions, range.front());
   return parse_only(list);
 }
 
 vrn_node vrn_parser::parse_brace_group(const vrn_src_command_view& range) {
   const vrn_command_list& list = range.command->group(*range.front());
-  const auto expressions = std::count_if(list.begin(), list.end(), std::not_fn(is_define));
+  const auto expressions = expressions_in(list);
   auto block = ast_.make<vrn_ast_node_sub_block>(range.front());
-  if (expressions == 1) block->body = parse_only(list);
-  if (expressions > 1 || (expressions == 1 && !block->body)) {
-    return fail(report_cannot_parse_sub_block, range.front());
-  }
+  if (expressions <= 1) block->body = parse_only(list);
+  if (expressions > 0 && !block->body) return fail(report_cannot_parse_sub_block, range.front());
   return block;
 }
 
@@ -194,21 +171,18 @@ vrn_node vrn_parser::parse_only(const vrn_command_list& list) {
   return node;
 }
 
-bool vrn_parser::parse_list(const vrn_command_list& list, vrn_reporter reporter,
-                            std::vector<vrn_node>& nodes) {
+const vrn_src_command* vrn_parser::parse_list(const vrn_command_list& list,
+                                              std::vector<vrn_node>& nodes) {
   for (const vrn_command& command : list) {
     if (is_define(command)) {
       add_define(command);
       continue;
     }
     vrn_node node = parse(*command);
-    if (!node) {
-      fail(reporter, command->tokens.front());
-      return false;
-    }
+    if (!node) return command.get();
     nodes.push_back(std::move(node));
   }
-  return true;
+  return nullptr;
 }
 
 std::shared_ptr<vrn_ast> create_ast(const vrn_src_command_map& commands) {

@@ -1,6 +1,7 @@
 // Conditions, loops and return.
-#include <array>
+#include <cstddef>
 #include <utility>
+#include <vector>
 
 #include "frontend/report.hpp"
 #include "parser/parser_state.hpp"
@@ -13,32 +14,23 @@ bool has_group(const vrn_src_command_view& range, std::uint32_t at, vrn_token_ki
   return at < range.last && range.token(at)->kind == kind;
 }
 
-// The commands of a group that are no defines.
-std::vector<vrn_command> expressions_of(const vrn_command_list& list) {
-  std::vector<vrn_command> found;
-  for (const vrn_command& command : list) {
-    if (command->kind != vrn_command_kind::define) found.push_back(command);
-  }
-  return found;
-}
-
 }  // namespace
 
 // if ( ) { } [else if ( ) { }]... [else { }]
 vrn_node vrn_parser::parse_condition(const vrn_src_command_view& range) {
+  if (!range.front()->is_word("if")) return fail(report_invalid_condition, range.front());
   auto node = ast_.make<vrn_ast_node_condition>(range.front());
   for (std::uint32_t at = range.first;;) {
-    if (!range.token(at)->is_word("if")) return fail(report_invalid_condition, range.front());
     if (!parse_branch(range, at, node->branches.emplace_back())) return {};
     at += 3;
     if (at == range.last) return node;
-    const bool follows = range.token(at)->is_word("else") && at + 1 < range.last;
-    if (!follows) return fail(report_cannot_parse_conditional_block, range.front());
-    ++at;
-    if (!has_group(range, at, vrn_token_kind::group_brace)) continue;
-    if (at + 1 < range.last) return fail(report_cannot_parse_conditional_block, range.front());
-    auto otherwise = ast_.make<vrn_ast_node_condition>(range.token(at));
-    if (!parse_body(range, at, otherwise->branches.emplace_back().body)) return {};
+    const vrn_token& keyword = range.token(at++);
+    if (keyword->is_word("else") && at < range.last && range.token(at)->is_word("if")) continue;
+    if (!keyword->is_word("else") || at + 1 < range.last) {
+      return fail(report_cannot_parse_conditional_block, range.front());
+    }
+    auto otherwise = ast_.make<vrn_ast_node_condition>(keyword);
+    if (!parse_body(range, at, keyword, otherwise->branches.emplace_back().body)) return {};
     node->otherwise = std::move(otherwise);
     return node;
   }
@@ -48,31 +40,27 @@ vrn_node vrn_parser::parse_condition(const vrn_src_command_view& range) {
 bool vrn_parser::parse_branch(const vrn_src_command_view& range, std::uint32_t at,
                               vrn_ast_condition_branch& branch) {
   const vrn_token& keyword = range.token(at);
-  if (!has_group(range, at + 1, vrn_token_kind::group_paren)) {
+  if (!has_group(range, at + 1, vrn_token_kind::group_paren) ||
+      expressions_in(range.command->group(*range.token(at + 1))) != 1) {
     fail(report_invalid_condition, keyword);
     return false;
   }
-  const vrn_command_list& header = range.command->group(*range.token(at + 1));
-  const auto expressions = expressions_of(header);
-  if (expressions.size() != 1) {
-    fail(report_invalid_condition, keyword);
-    return false;
-  }
-  branch.condition = parse_only(header);
+  branch.condition = parse_only(range.command->group(*range.token(at + 1)));
   if (!branch.condition) {
-    fail(report_cannot_parse_condition, expressions[0]->tokens.front());
+    fail(report_cannot_parse_condition, keyword);
     return false;
   }
-  return parse_body(range, at + 2, branch.body);
+  return parse_body(range, at + 2, keyword, branch.body);
 }
 
+// What follows the keyword of a branch or a loop, and its header.
 bool vrn_parser::parse_body(const vrn_src_command_view& range, std::uint32_t at,
-                            std::vector<vrn_node>& body) {
-  if (has_group(range, at, vrn_token_kind::group_brace)) {
-    const vrn_command_list& list = range.command->group(*range.token(at));
-    return parse_list(list, report_cannot_parse_conditional_block, body);
+                            const vrn_token& keyword, std::vector<vrn_node>& body) {
+  if (has_group(range, at, vrn_token_kind::group_brace) &&
+      !parse_list(range.command->group(*range.token(at)), body)) {
+    return true;
   }
-  fail(report_cannot_parse_conditional_block, range.front());
+  fail(report_cannot_parse_conditional_block, keyword);
   return false;
 }
 
@@ -81,45 +69,31 @@ vrn_node vrn_parser::parse_loop(const vrn_src_command_view& range) {
   auto node = ast_.make<vrn_ast_node_loop>(range.front());
   if (!parse_loop_header(range, *node)) return {};
   if (range.size() > 3) return fail(report_cannot_parse_conditional_block, range.front());
-  if (!parse_body(range, range.first + 2, node->body)) return {};
+  if (!parse_body(range, range.first + 2, range.front(), node->body)) return {};
   return node;
 }
 
 // The parts of a header, by their number: the condition; the start and the condition; all three.
 bool vrn_parser::parse_loop_header(const vrn_src_command_view& range, vrn_ast_node_loop& loop) {
-  if (!has_group(range, range.first + 1, vrn_token_kind::group_paren)) {
-    fail(report_invalid_for_condition, range.front());
+  const auto failed = [&](vrn_reporter reporter) {
+    fail(reporter, range.front());
     return false;
-  }
-  struct part {
-    vrn_node* node;
-    vrn_reporter reporter;
   };
-  const part start = {&loop.start, report_cannot_parse_start};
-  const part condition = {&loop.condition, report_invalid_for_condition};
-  const part end = {&loop.end, report_cannot_parse_end};
+  if (!has_group(range, range.first + 1, vrn_token_kind::group_paren)) {
+    return failed(report_invalid_for_condition);
+  }
   const vrn_command_list& header = range.command->group(*range.token(range.first + 1));
-  const auto count = expressions_of(header).size();
-  if (count == 0 || count > 3) {
-    fail(count == 0 ? vrn_reporter(report_loop_needs_condition)
-                    : vrn_reporter(report_invalid_for_condition),
-         range.front());
-    return false;
-  }
-  std::array<part, 3> parts = {start, condition, end};
-  std::size_t next = count == 1 ? 1 : 0;
-  for (const vrn_command& command : header) {
-    if (command->kind == vrn_command_kind::define) {
-      add_define(command);
-      continue;
-    }
-    const part& current = parts[next++];
-    *current.node = parse(*command);
-    if (!*current.node) {
-      fail(current.reporter, command->tokens.front());
-      return false;
-    }
-  }
+  const std::size_t count = expressions_in(header);
+  if (count == 0) return failed(report_loop_needs_condition);
+  if (count > 3) return failed(report_invalid_for_condition);
+
+  vrn_node* const members[] = {&loop.start, &loop.condition, &loop.end};
+  const vrn_reporter reporters[] = {report_cannot_parse_start, report_invalid_for_condition,
+                                    report_cannot_parse_end};
+  const std::size_t first = count == 1 ? 1 : 0;
+  std::vector<vrn_node> parts;
+  if (parse_list(header, parts)) return failed(reporters[first + parts.size()]);
+  for (std::size_t i = 0; i < count; ++i) *members[first + i] = std::move(parts[i]);
   return true;
 }
 

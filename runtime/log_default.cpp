@@ -39,9 +39,9 @@ void write_line(std::string_view tag, int attribute, std::string_view marker,
 
 }  // namespace
 
-#define VRN_LOG_LEVEL(operation, bit, tag, attribute, marker)  \
+#define VRN_LOG_LEVEL(operation, bit, tag, attribute, marker)   \
   void vrn_log_default::operation(const std::string& message) { \
-    write_line(tag, attribute, marker, message);               \
+    write_line(tag, attribute, marker, message);                \
   }
 #include <vornscript/log_levels.def>
 #undef VRN_LOG_LEVEL

@@ -17,7 +17,8 @@ declare -A knows=(
   [runtime]="include platform memory frontend parser vm compiler stdlib"
   [host]="include platform"
   [examples]="include"
-  [bench]="include"
+  [bench]="include platform memory frontend parser vm compiler"
+  [fuzz]="include platform memory frontend parser vm compiler stdlib tests"
   [tests]="include platform memory frontend parser vm compiler stdlib runtime"
 )
 

@@ -6,9 +6,7 @@
 namespace vorn::builtin {
 namespace {
 
-double number(const arguments& given, std::size_t position) {
-  return given[position]->get_float();
-}
+double number(const arguments& given, std::size_t position) { return given[position]->get_float(); }
 
 // Folds from the first argument; a later one is taken only when it compares as better, so a NaN
 // stays when it comes first and is passed over when it comes later.
@@ -25,9 +23,9 @@ vrnvar_shared fold(const arguments& given, Choice choice) {
 }  // namespace
 
 // The functions of one number that the C library has under the same name.
-#define VRN_C_FUNCTION(name)                                      \
-  vrnvar_shared name(vrn_vm_context&, arguments& given) {         \
-    return var_float(std::name(number(given, 0)));                \
+#define VRN_C_FUNCTION(name)                              \
+  vrnvar_shared name(vrn_vm_context&, arguments& given) { \
+    return var_float(std::name(number(given, 0)));        \
   }
 VRN_C_FUNCTION(sin)
 VRN_C_FUNCTION(cos)

@@ -1,5 +1,5 @@
-// Random numbers: the classic 32-bit linear congruential generator with the multiplier 214013 and the
-// increment 2531011, of whose state 15 bits are given out.
+// Random numbers: the classic 32-bit linear congruential generator with the multiplier 214013 and
+// the increment 2531011, of whose state 15 bits are given out.
 #include <cstdint>
 
 #include "stdlib/builtins.hpp"

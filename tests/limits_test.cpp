@@ -53,6 +53,12 @@ class limits_test : public testing::Test {
     return reports == 1 ? found : std::to_string(reports) + " reports";
   }
 
+  // The other levels would only cost time.
+  void SetUp() override {
+    host_.log->level_mask = static_cast<std::uint32_t>(vrn_log_level::error) |
+                            static_cast<std::uint32_t>(vrn_log_level::out);
+  }
+
   script_host host_;
 };
 
@@ -88,12 +94,14 @@ TEST_F(limits_test, nesting_is_bounded) {
       return each.before + repeated(each.open, depth) + each.core + repeated(each.close, depth) +
              each.after;
     };
-    if (!each.printed.empty()) EXPECT_EQ(host_.output_of(script(900)), each.printed);
+    if (!each.printed.empty()) {
+      EXPECT_EQ(host_.output_of(script(900)), each.printed);
+    }
     EXPECT_EQ(report_of(script(900)).find("too deep"), std::string::npos);
-    for (const int depth : {1100, 100'000}) {
+    for (const int depth : {1100, 20'000}) {
       const std::string report = report_of(script(depth));
       EXPECT_NE(report.find("\n*** Nesting is too deep.\n"), std::string::npos) << report;
-      EXPECT_TRUE(host_.output_of(script(depth)).empty());
+      EXPECT_TRUE(host_.log->texts(vrn_log_level::out).empty());
     }
   }
 }

@@ -154,8 +154,8 @@ std::uint32_t handle_op_negate(vrn_vm_context& context, std::byte*) {
   return size_of<op_negate>;
 }
 
-// An operation is a type with `of` for a pair of integers' bits and for a pair of floats, the opcode
-// and the reporter of its type errors.
+// An operation is a type with `of` for a pair of integers' bits and for a pair of floats, the
+// opcode and the reporter of its type errors.
 
 struct addition {
   static constexpr vrn_opcode opcode = op_add;
@@ -244,7 +244,7 @@ template <class Operation>
 std::uint32_t arithmetic(vrn_vm_context& context, std::byte*) {
   vrnvar_shared right = pop(context);
   vrnvar_shared& slot = top(context);
-  const vrnvar* const r = right ? deref_value(right.get()) : nullptr;
+  const vrnvar* const r = deref_value(right.get());
   const vrnvar* const l = deref_value(slot.get());
   if (l && r && l->type == vrn_type::integer && r->type == vrn_type::integer) {
     set_number(slot, right, Operation::of(l->payload, r->payload), vrn_type::integer);
@@ -304,9 +304,8 @@ std::uint32_t handle_op_call_native(vrn_vm_context& context, std::byte* record) 
 
 std::uint32_t handle_op_call(vrn_vm_context& context, std::byte*) {
   const vrnvar* const value = top_value(context);
-  auto* const payload = value && value->type == vrn_type::function
-                            ? value->as<vrnvar_ptr_function>()
-                            : nullptr;
+  auto* const payload =
+      value && value->type == vrn_type::function ? value->as<vrnvar_ptr_function>() : nullptr;
   vrn_program_block_routine* const routine = payload ? payload->routine.get() : nullptr;
   if (!routine) {
     runtime_error_not_a_function();

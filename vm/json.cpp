@@ -45,15 +45,11 @@ vrnjson* vrn_json_container::add(std::string_view key) {
 
 void vrn_json_container::clear() noexcept {
   auto* const pool = own_pool<&vrn_value_pools::json_values>();
-  vrn_json_container old;
-  swap(old);
-  for (std::uint32_t k = 0; k < old.count_; ++k) {
-    vrn_value_pools::entries::release(old.at(k), pool);
-  }
+  for (std::uint32_t k = 0; k < count_; ++k) vrn_value_pools::entries::release(at(k), pool);
   std::allocator<vrnjson*> allocator;
-  if (old.capacity_ > 0) allocator.deallocate(old.entries_, old.capacity_);
-  if (old.table_capacity_ > 0) allocator.deallocate(old.table_, old.table_capacity_);
-  old.count_ = old.capacity_ = old.table_capacity_ = 0;
+  if (capacity_ > 0) allocator.deallocate(entries_, capacity_);
+  if (table_capacity_ > 0) allocator.deallocate(table_, table_capacity_);
+  count_ = capacity_ = keyed_ = table_capacity_ = 0;
 }
 
 void vrn_json_container::swap(vrn_json_container& other) noexcept {

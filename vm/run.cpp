@@ -55,9 +55,9 @@ void log_speed(std::uint32_t count, std::uint64_t nanoseconds) {
   const double rate = seconds > 0.0 ? count / seconds : 0.0;
   const double average = add_sample(rate);
   if (!get_log().enabled(vrn_log_level::debug)) return;
-  log_line(vrn_log_level::debug, "Executed ", count, " instructions in: ",
-           std::string_view(short_number(seconds)), " seconds (IPS: ", whole(rate),
-           " avg IPS: ", whole(average), ")");
+  log_line(vrn_log_level::debug, "Executed ", count,
+           " instructions in: ", std::string_view(short_number(seconds)),
+           " seconds (IPS: ", whole(rate), " avg IPS: ", whole(average), ")");
 }
 
 // Where the loop stands; puts it down in the routine, however the run ends.

@@ -1,7 +1,6 @@
 #include "vm/scheduler.hpp"
 
 #include <exception>
-#include <limits>
 #include <memory>
 #include <sstream>
 
@@ -23,13 +22,14 @@ void log_task(const vrn_task& task, const Parts&... parts) {
   log_line(vrn_log_level::verbose, "TASK ", address.str(), parts...);
 }
 
-bool has_live_routine(const vrn_task& task) {
-  return !task.call_stack.empty() && task.call_stack.back().get() != nullptr;
+// The routine that the task goes on with; null when it has gone.
+vrn_program_block_routine* top_routine(const vrn_task& task) {
+  return task.call_stack.empty() ? nullptr : task.call_stack.back().get();
 }
 
 bool cannot_run(vrn_task& task) {
-  log_line(vrn_log_level::error, "Cannot run task!");
   task.active = false;
+  log_line(vrn_log_level::error, "Cannot run task!");
   return false;
 }
 
@@ -41,9 +41,9 @@ bool finished(vrn_task& task) {
 
 // What a task needs to be dropped in the middle of its work.
 void fail(vrn_task& task, const char* reason) {
-  log_line(vrn_log_level::error, "Task failed: ", reason);
   task.active = false;
   task.frame_depth = 0;
+  log_line(vrn_log_level::error, "Task failed: ", reason);
 }
 
 void run_due_task(vrn_task& task) {
@@ -56,12 +56,10 @@ void run_due_task(vrn_task& task) {
   }
 }
 
-// Due times never wrap: they stop at 0 and at the largest time.
+// Due times never wrap: they stop at 0, and no delay reaches the other end.
 std::uint64_t due_time(std::uint64_t now, std::int64_t delay) {
-  const auto distance = static_cast<std::uint64_t>(delay);
-  if (delay < 0) return now < 0 - distance ? 0 : now + distance;
-  const std::uint64_t latest = std::numeric_limits<std::uint64_t>::max();
-  return distance > latest - now ? latest : now + distance;
+  const std::uint64_t due = now + static_cast<std::uint64_t>(delay);
+  return delay < 0 && due > now ? 0 : due;
 }
 
 }  // namespace
@@ -81,7 +79,9 @@ vrn_ref<vrn_task> task_create(const vrn_program& program) {
 }
 
 void task_run(vrn_task& task, std::int64_t delay_ms) {
-  if (task.active || !has_live_routine(task)) {
+  vrn_program_block_routine* const routine = top_routine(task);
+  // A routine that another task is in the middle of cannot be gone on with on other stacks.
+  if (task.active || !routine || routine->active) {
     log_line(vrn_log_level::error, "Cannot run task!");
     return;
   }
@@ -91,7 +91,7 @@ void task_run(vrn_task& task, std::int64_t delay_ms) {
   task.pending_calls = 0;
   task.value_stack.clear();
   task.value_stack.resize(1);
-  task.active = true;
+  task.active = routine->active = true;
   log_task(task, " scheduled (eta: ", delay_ms, ").");
   schedule(task, delay_ms);
 }
@@ -110,7 +110,7 @@ bool task_continue(vrn_task& task) {
     return false;
   }
   for (;;) {
-    vrn_program_block_routine* const routine = task.call_stack.back().get();
+    vrn_program_block_routine* const routine = top_routine(task);
     if (!routine) return cannot_run(task);
     switch (run(*routine, task)) {
       case run_status::go_on:

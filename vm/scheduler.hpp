@@ -5,7 +5,8 @@ namespace vorn {
 
 struct vrnscript_state;
 
-// Runs every task that is due, in the order of their due times. Called under the interpreter's lock.
+// Runs every task that is due, in the order of their due times. Called under the interpreter's
+// lock.
 void run_due_tasks(vrnscript_state& state);
 
 }  // namespace vorn

@@ -70,13 +70,15 @@ detached_payload::~detached_payload() {
   }
   ++release_depth;
   release();
-  --release_depth;
-  if (release_depth > 0) return;
-  auto& payloads = put_aside();
-  while (!payloads.empty()) {
-    const detached_payload next = std::move(payloads.back());
-    payloads.pop_back();
+  // Only the outermost one looks at what was put aside: the depth stays while it does.
+  if (release_depth == 1) {
+    auto& payloads = put_aside();
+    while (!payloads.empty()) {
+      const detached_payload next = std::move(payloads.back());
+      payloads.pop_back();
+    }
   }
+  --release_depth;
 }
 
 void detached_payload::release() noexcept {
@@ -207,11 +209,11 @@ void vrnvar::copy_from(const vrnvar* source) {
     case vrn_type::class_: {
       auto* const to = as<vrnvar_ptr_function>();
       const auto* const from = source->as<vrnvar_ptr_function>();
+      auto members = from->members;
       to->routine = from->routine;
-      to->members = from->members;
       // The copy claims its source's slot, deliberately; the pool finds the right one again.
       to->slot = from->slot;
-      return;
+      return to->members.swap(members);
     }
     case vrn_type::function:
       as<vrnvar_ptr_function>()->routine = source->as<vrnvar_ptr_function>()->routine;

@@ -31,7 +31,7 @@ struct vrn_value_pools {
   texts strings;
 };
 
-#if defined(__linux__) && defined(__x86_64__)
+#if defined(__linux__) && defined(__LP64__)
 static_assert(sizeof(vrn_pool_chunk_dynamic<vrnvar>) == 4340);
 static_assert(sizeof(vrn_pool_chunk_dynamic<vrnjson>) == 14540);
 static_assert(sizeof(vrn_pool_chunk_static<vrnvar_ptr_json>) == 22956);

@@ -18,13 +18,15 @@ class vrn_program_block_routine;
 struct vrn_vm_context {
   vrn_task* task;
   vrn_program_block_routine* block;
-  // Anything but 0 ends the current run after this instruction; 8 makes the task wait.
+  // Set to 8, it makes the task wait after this instruction. The other values are the machine's
+  // own.
   std::uint32_t* stop_flag;
 };
 
 // Gets the call's arguments, which share the caller's values: changing one changes the caller's
 // variable. Never called with fewer or more arguments than were registered. The result is the
-// call's value; an empty handle leaves the caller without one. An exception ends the task.
+// call's value; an empty handle leaves the caller without one. An exception ends the task. It must
+// not call tick(), nor release the interpreter or the program that is running.
 using vrn_native =
     std::function<vrnvar_shared(vrn_vm_context& context, std::vector<vrnvar_shared>& arguments)>;
 

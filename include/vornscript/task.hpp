@@ -18,7 +18,7 @@ struct vrn_task {
   bool scheduled = false;
   std::uint64_t due_ms = 0;  // wall clock, milliseconds since 1970-01-01
   std::uint32_t reference_count = 0;
-  bool active = false;  // from task_run until the task ends
+  bool active = false;                                        // from task_run until the task ends
   std::vector<vrnptr<vrn_program_block_routine>> call_stack;  // outermost first
   std::vector<vrnvar_shared> value_stack;
   std::uint32_t pending_calls = 0;
@@ -33,8 +33,8 @@ vrn_ref<vrn_task> task_create(vrnptr<vrn_program_block_routine>&& routine);
 // A task for a program's top-level code; one that cannot be run when the program is empty.
 vrn_ref<vrn_task> task_create(const vrn_program& program);
 
-// Starts the task: it becomes due `delay_ms` from now. One without a live routine, or that is
-// active already, is refused with a line in the log.
+// Starts the task: it becomes due `delay_ms` from now. One that is active already, that has no live
+// routine, or whose routine another task is in the middle of, is refused with a line in the log.
 void task_run(vrn_task& task, std::int64_t delay_ms);
 
 // Makes the task due `delay_ms` from now, unless it is scheduled already.

@@ -17,11 +17,11 @@ namespace vorn {
 struct vrnscript_state;
 
 struct vrnscript_config {
-  std::shared_ptr<vrn_filesys> filesys;  // empty: one without files
-  std::shared_ptr<vrn_log_base> logger;  // empty: the silent one
-  bool add_std_functions = true;         // whether scripts have the built-in functions
-  std::string thread_name;               // becomes the calling thread's name
-  std::shared_ptr<vrn_clock> clock;      // empty: the system's
+  std::shared_ptr<vrn_filesys> filesys = {};  // empty: one without files
+  std::shared_ptr<vrn_log_base> logger = {};  // empty: the silent one
+  bool add_std_functions = true;              // whether scripts have the built-in functions
+  std::string thread_name = {};               // becomes the calling thread's name
+  std::shared_ptr<vrn_clock> clock = {};      // empty: the system's
 };
 
 // Makes an interpreter the thread's own for as long as it lives.
@@ -39,10 +39,10 @@ class vrn_thread_binding {
 };
 
 // Owns everything that a running script needs: tasks, logger, file system, native functions and the
-// pools that values come from. One per thread; everything else finds it through the thread, so it is
-// built, used and destroyed on the thread that it serves. Programs and tasks are released first;
-// a program or value that outlives its interpreter is reported in the log, and from then on can only
-// be released.
+// pools that values come from. One per thread; everything else finds it through the thread, so it
+// is built, used and destroyed on the thread that it serves. Programs and tasks are released first;
+// a program or value that outlives its interpreter is reported in the log, and from then on can
+// only be released.
 class alignas(64) vrnscript final : private vrn_thread_binding {
  public:
   // Throws std::runtime_error when the thread has an interpreter already.

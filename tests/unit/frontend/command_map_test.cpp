@@ -140,9 +140,8 @@ TEST(command_map, keeps_defines) {
       {"#define A\nb", "D A ; b ;", "DEF A"},
       {"# define A 1; 'x y', z;\nb", "D A 1 ; x y , z ; ; b ;", "DEF A 1 ; x y , z ;"},
       {"#define A f(1, \\\n 2) \\\n\n; \\\n", "D A f ( 1 ; 2 ; ) ; ;", "DEF A f ( 1 , 2 ) ;"},
-      {"#define A \\ \\ \\", "D A \\ \\ \\ ;", "DEF A \\ \\ \\"},
+      {R"(#define A \ \ \)", R"(D A \ \ \ ;)", R"(DEF A \ \ \)"},
       {"{#define A 1} b", "{ D A 1 ; } ; b ;", "DEF A 1"},
-      {"(#define A [1\n] b)", "", ""},
       {"#define A {a} + {#define B {b} c} d\ne", "D A { a ; } + { D B { b ; } c ; } d ; e ;",
        "DEF A { a } + { # define B { b } c } d"},
       {"#define A { if (a) \\\n b; else \\\n c }", "D A { C if ( a ; ) { b ; } else { c ; } ; } ;",
@@ -160,61 +159,50 @@ TEST(command_map, keeps_defines) {
 
 TEST(command_map, reports_mistakes) {
   const std::vector<map_case> cases = {
-      {"a ) b", "1:2 Cannot parse token: )"},
-      {"a;\n]", "2:0 Cannot parse token: ]"},
-      {"f(a; [b)", "1:5 Cannot find closing bracket."},
-      {"a (b\n]", "2:0 Invalid closing bracket: ]"},
-      {"[a (b]", "1:0 Missing closing bracket for '('"},
-      {"{a [b}", "1:0 Missing closing bracket for '['"},
-      {"{a [(b}", "1:0 Missing closing bracket for '('"},
-      {"x;\nif b", "2:0 Expected '()' after 'if'"},
-      {"if (a) b; else if {c}", "1:15 Expected '()' after 'if'"},
-      {"{for} (a)", "1:1 Expected '()' after 'for'"},
-      {"if [a] b", "1:0 Expected '()' after 'if'"},
-      {"if (a) {b}; else c", "1:12 Else statement without leading if statement."},
       {"if (a) else b", "1:7 Else statement without leading if statement."},
       {"if (a) {} else b; else c", "1:18 Else statement without leading if statement."},
-      {"a;\n #", "2:1 Invalid directive."},
-      {"#define", "1:0 Invalid directive."},
-      {"#define\nA", "1:0 Invalid directive."},
-      {"#define 'A' 1", "1:0 Invalid directive."},
+      {"{a; # b}", "1:4 Invalid directive."},
       {"(#define)", "1:1 Invalid directive."},
-      {"#define A (1\n)", "1:10 Cannot find closing bracket."},
       {"#define A 1)\n", "1:11 Cannot parse token: )"},
       {"#define A {a] }\n", "1:12 Invalid closing bracket: ]"},
       {"(#define A [1\n] b)", "1:11 Cannot find closing bracket."},
   };
-  for (const auto& [text, expected] : cases) {
-    EXPECT_EQ(mapped(text).error(), expected) << text;
-  }
+  for (const auto& [text, expected] : cases) EXPECT_EQ(mapped(text).error(), expected) << text;
 }
 
-// The rule for closing brackets, as it is put: a search for every opener.
-std::optional<std::string> bracket_error(std::string_view text, std::size_t first,
-                                         std::size_t end) {
-  constexpr std::string_view brackets = "([{)]}";
-  const auto error = [](std::size_t at, const std::string& message) {
-    return "1:" + std::to_string(at) + ' ' + message;
-  };
-  for (; first < end; ++first) {
-    const std::size_t shape = brackets.find(text[first]);
-    if (shape > 2) return error(first, "Cannot parse token: " + std::string(1, text[first]));
-    std::array<int, 3> open{};
-    std::size_t at = first;
-    for (; at < end; ++at) {
-      const std::size_t bracket = brackets.find(text[at]);
-      open[bracket % 3] += bracket < 3 ? 1 : -1;
-      if (open[bracket % 3] < 0) {
-        return error(at, "Invalid closing bracket: " + std::string(1, text[at]));
-      }
-      if (open[shape] != 0) continue;
-      if (shape > 0 && open[0] > 0) return error(first, "Missing closing bracket for '('");
-      if (shape > 1 && open[1] > 0) return error(first, "Missing closing bracket for '['");
-      break;
+std::string error_at(std::size_t column, const std::string& message) {
+  return "1:" + std::to_string(column) + ' ' + message;
+}
+
+constexpr std::string_view brackets = "([{)]}";
+
+// The rule for closing brackets, as it is put: a search from the opener at `at`, which ends at the
+// closer or with an error.
+std::optional<std::string> search_closer(std::string_view text, std::size_t& at, std::size_t end) {
+  const std::size_t opener = at;
+  const std::size_t shape = brackets.find(text[opener]);
+  std::array<int, 3> open{};
+  for (; at < end; ++at) {
+    const std::size_t bracket = brackets.find(text[at]);
+    int& count = open[bracket % 3];
+    count += bracket < 3 ? 1 : -1;
+    if (count < 0) return error_at(at, "Invalid closing bracket: " + std::string(1, text[at]));
+    if (open[shape] != 0) continue;
+    if (shape > 0 && open[0] > 0) return error_at(opener, "Missing closing bracket for '('");
+    if (shape > 1 && open[1] > 0) return error_at(opener, "Missing closing bracket for '['");
+    return std::nullopt;
+  }
+  return error_at(opener, "Cannot find closing bracket.");
+}
+
+std::optional<std::string> bracket_error(std::string_view text, std::size_t at, std::size_t end) {
+  for (; at < end; ++at) {
+    const std::size_t opener = at;
+    if (brackets.find(text[at]) > 2) {
+      return error_at(at, "Cannot parse token: " + std::string(1, text[at]));
     }
-    if (at == end) return error(first, "Cannot find closing bracket.");
-    if (auto inner = bracket_error(text, first + 1, at)) return inner;
-    first = at;
+    if (auto error = search_closer(text, at, end)) return error;
+    if (auto error = bracket_error(text, opener + 1, at)) return error;
   }
   return std::nullopt;
 }

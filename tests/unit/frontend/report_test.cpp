@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include <vornscript/thread_state.hpp>
 
@@ -12,87 +11,45 @@
 namespace vorn::test {
 namespace {
 
-const std::string header =
-    "Syntax Error ***\n------------------------------------------------------------\n";
-const std::string footer = "\n------------------------------------------------------------";
-
-class reports : public testing::Test {
- protected:
-  reports() { log_override = &log_; }
-  ~reports() override { log_override = nullptr; }
-
-  std::string last() const { return log_.texts(vrn_log_level::error).back(); }
-
- private:
-  collecting_log log_;
-};
-
-TEST_F(reports, layout) {
-  report_unterminated_comment(vrn_src_place{"a.vrs", 12, 4, "    x = 1e\ny"});
-  EXPECT_EQ(last(), header +
-                        "  --> a.vrs:12:4\n    |\n 12 | x = 1e\n    | ^~~~~\n    |\n\n"
-                        "*** unterminated comment" +
-                        footer);
-  // Kept whole when the place is in the indentation or there is nothing else.
-  report_function_exists(vrn_src_place{"", 7, 1, "  x"}, "f");
-  EXPECT_EQ(last(), header +
-                        " --> :7:1\n   |\n 7 |   x\n   |  ^~~~~\n   |\n\n"
-                        "*** Function f already exists in this scope." +
-                        footer);
-  report_no_closer(vrn_src_place{"b", 100, 2, "   "});
-  EXPECT_EQ(last(), header +
-                        "   --> b:100:2\n     |\n 100 |    \n     |   ^~~~~\n     |\n\n"
-                        "*** Cannot find closing bracket." +
-                        footer);
-  // No caret past the end of what is shown.
-  report_invalid_closer(vrn_src_place{"b", 1, 3, "  x\n  long"}, "]");
-  EXPECT_EQ(last(),
-            header + " --> b:1:3\n   |\n 1 | x\n   |\n\n*** Invalid closing bracket: ]" + footer);
-  report_no_closer(vrn_src_place{"b", 1, 0, ""});
-  EXPECT_EQ(last(),
-            header + " --> b:1:0\n   |\n 1 | \n   |\n\n*** Cannot find closing bracket." + footer);
+// The block's lines between the header and the closing rule.
+std::string block_of(const auto& report) {
+  collecting_log log;
+  log_override = &log;
+  report();
+  log_override = nullptr;
+  const std::string rule(60, '-');
+  const std::string header = "Syntax Error ***\n" + rule + '\n';
+  const std::string block = log.texts(vrn_log_level::error).at(0);
+  if (!block.starts_with(header) || !block.ends_with('\n' + rule)) return "no frame: " + block;
+  return block.substr(header.size(), block.size() - header.size() - rule.size() - 1);
 }
 
-TEST_F(reports, of_tokens_show_their_line_and_the_files_around) {
-  vrn_src_token_view views[3];
-  for (std::uint32_t i = 0; i < 3; ++i) {
-    views[i].name = std::string(1, static_cast<char>('a' + i));
-    views[i].text = "first\n  second\nthird";
-    views[i].lines = {0, 6, 15};
-    if (i == 0) continue;
-    views[i].parent = &views[i - 1];
-    views[i].included_at = views[i - 1].store.make<vrn_src_token>(vrn_src_token{
-        vrn_token_kind::string, static_cast<std::int32_t>(i), i, 0, "", &views[i - 1]});
-  }
-  vrn_src_token token{vrn_token_kind::word, 2, 2, 8, "second", &views[0]};
-  report_cannot_parse_token(token, token.text);
-  EXPECT_EQ(last(), header +
-                        " --> a:2:2\n   |\n 2 | second\n   | ^~~~~\n   |\n\n"
-                        "*** Cannot parse token: second" +
-                        footer);
-  token.source = &views[2];
-  report_unknown_symbol(token);
-  EXPECT_EQ(last(), header +
-                        " --> c:2:2\n   |\n 2 | second\n   | ^~~~~\n   |\n\n"
-                        "*** Unknown symbol.\n"
-                        "|-- a --> Line 1, Index 1\n"
-                        "|-- b --> Line 2, Index 2\n"
-                        "`--> c --> Line 2, Index 2\n"
-                        ">>> second" +
-                        footer);
-  token.source = nullptr;
-  report_node_without_token(token);
-  EXPECT_EQ(last(), header +
-                        " --> :2:2\n   |\n 2 | \n   |\n\n"
-                        "*** While handling an error, a token without AST was passed." +
-                        footer);
+TEST(report, shows_a_place) {
+  const auto shown = [](const vrn_src_place& place) {
+    return block_of([&] { report_function_exists(place, "f"); });
+  };
+  const std::string message = "   |\n\n*** Function f already exists in this scope.";
+  EXPECT_EQ(shown({"a b", 7, 3, "  x = 1\n  y"}),
+            " --> a b:7:3\n   |\n 7 | x = 1\n   |  ^~~~~\n" + message);
+  // A line is kept whole when the place is in front of it, or it is all blank.
+  EXPECT_EQ(shown({"", 7, 1, "  x"}), " --> :7:1\n   |\n 7 |   x\n   |  ^~~~~\n" + message);
+  EXPECT_EQ(shown({"", 7, 2, "   "}), " --> :7:2\n   |\n 7 |    \n   |   ^~~~~\n" + message);
+  EXPECT_EQ(shown({"", 7, 3, "  x\n    y"}), " --> :7:3\n   |\n 7 | x\n" + message);
+  EXPECT_EQ(shown({"", 7, 0, ""}), " --> :7:0\n   |\n 7 | \n" + message);
 }
 
-TEST_F(reports, need_the_error_level) {
+TEST(report, shows_a_token_without_a_file) {
+  const vrn_src_token token{vrn_token_kind::word, 100, 2, 0, "x", nullptr};
+  EXPECT_EQ(block_of([&] { report_no_closer(token); }),
+            "   --> :100:2\n     |\n 100 | \n     |\n\n*** Cannot find closing bracket.");
+}
+
+TEST(report, needs_the_error_level) {
   collecting_log quiet;
   quiet.level_mask = vrn_log_all & ~static_cast<std::uint32_t>(vrn_log_level::error);
   log_override = &quiet;
   report_no_closer(vrn_src_place{"b", 1, 0, ""});
+  log_override = nullptr;
   EXPECT_TRUE(quiet.records.empty());
 }
 

@@ -1,0 +1,34 @@
+// Any bytes at all, through every stage.
+#include <string>
+#include <utility>
+
+#include "fuzz/support/checked_host.hpp"
+#include "fuzz/targets.hpp"
+
+namespace vorn::fuzz {
+namespace {
+
+// The first is the program; a byte of this value, which no script needs, begins the next.
+constexpr char file_separator = '\x1e';
+constexpr const char* file_names[] = {"main.vrs", "a.vrs", "lib/b.vrs", "lib/c.vrs"};
+
+checked_host::files split_files(std::string_view text) {
+  checked_host::files files;
+  for (const char* name : file_names) {
+    const std::size_t end = std::min(text.find(file_separator), text.size());
+    files[name] = text.substr(0, end);
+    if (end == text.size()) break;
+    text.remove_prefix(end + 1);
+  }
+  return files;
+}
+
+}  // namespace
+
+void fuzz_text(input bytes) {
+  checked_host host(split_files({reinterpret_cast<const char*>(bytes.data()), bytes.size()}));
+  if (vrn_program program = host.load()) host.run(std::exchange(program, {}));
+  host.check_health();
+}
+
+}  // namespace vorn::fuzz
