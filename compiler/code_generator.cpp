@@ -162,8 +162,7 @@ bool vrn_code_generator::compile_string(vrn_program_block_routine& block, std::s
 }
 
 // A name that was never assigned gets a variable all the same.
-bool vrn_code_generator::compile_variable(vrn_program_block_routine& block,
-                                          std::string_view name) {
+bool vrn_code_generator::compile_variable(vrn_program_block_routine& block, std::string_view name) {
   const auto found = resolve(block, name);
   load(block, found ? *found : location{0, block.add_variable(name)});
   return true;
@@ -212,8 +211,9 @@ vrn_program create_bytecode(vrnscript& script, std::shared_ptr<vrn_ast> ast,
   instruction_count = 0;
   vrn_code_generator generator(script, instruction_count);
   if (!generator.compile_list(*program->main, program->ast->nodes)) return {};
-  log_line(vrn_log_level::log, "Bytecode creation took ", script.clock().wall_ms() - start, " ms (",
-           instruction_count, " instructions).");
+  const auto elapsed = static_cast<std::int64_t>(script.clock().wall_ms() - start);
+  log_line(vrn_log_level::log, "Bytecode creation took ", elapsed, " ms (", instruction_count,
+           " instructions).");
   return program;
 }
 

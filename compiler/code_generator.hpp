@@ -1,8 +1,8 @@
 // The code generator: from the syntax tree to program blocks.
 //
-// One recursive pass over the tree, in source order. An expression leaves its result in the top slot
-// of the value stack without pushing; operators and assignments push the one slot more that they
-// need. Names are resolved and slots allotted on the way. The first error ends it.
+// One recursive pass over the tree, in source order. An expression leaves its result in the top
+// slot of the value stack without pushing; operators and assignments push the one slot more that
+// they need. Names are resolved and slots allotted on the way. The first error ends it.
 #pragma once
 
 #include <cstdint>
@@ -21,8 +21,8 @@ namespace vorn {
 
 class vrnscript;
 
-// Compiles the tree into a new program and counts its instructions; empty on failure, which has been
-// reported then.
+// Compiles the tree into a new program and counts its instructions; empty on failure, which has
+// been reported then.
 vrn_program create_bytecode(vrnscript& script, std::shared_ptr<vrn_ast> ast,
                             std::uint32_t& instruction_count);
 
@@ -71,8 +71,8 @@ class vrn_code_generator {
 
   // code_generator_function.cpp
   bool compile_call(vrn_program_block_base& block, const vrn_ast_node_function_call& node);
-  bool compile_script_call(vrn_program_block_routine& block,
-                           const vrn_ast_node_function_call& node, const location& callee);
+  bool compile_script_call(vrn_program_block_routine& block, const vrn_ast_node_function_call& node,
+                           const location& callee);
   bool compile_native_call(vrn_program_block_routine& block,
                            const vrn_ast_node_function_call& node);
   bool compile_arguments(vrn_program_block_routine& block, const vrn_ast_node_function_call& node,

@@ -13,8 +13,7 @@ namespace vorn {
 // function.
 bool vrn_code_generator::compile_call(vrn_program_block_base& block,
                                       const vrn_ast_node_function_call& node) {
-  if (block.kind != vrn_block_kind::routine ||
-      node.callee->kind != vrn_node_kind::variable_node) {
+  if (block.kind != vrn_block_kind::routine || node.callee->kind != vrn_node_kind::variable_node) {
     return report_node(node, report_cannot_resolve_call);
   }
   auto& routine = static_cast<vrn_program_block_routine&>(block);
@@ -49,8 +48,7 @@ bool vrn_code_generator::compile_native_call(vrn_program_block_routine& block,
   block.natives.insert(function);
   emit(block, op_args_begin, count);
   if (!compile_arguments(block, node, op_arg_set)) return false;
-  emit(block, op_call_native,
-       std::uint64_t{reinterpret_cast<std::uintptr_t>(function.get())});
+  emit(block, op_call_native, std::uint64_t{reinterpret_cast<std::uintptr_t>(function.get())});
   return true;
 }
 

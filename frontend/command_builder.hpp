@@ -16,20 +16,28 @@ namespace vorn {
 // level counts as a brace.
 enum class vrn_enclosing : std::uint32_t { paren = 0, bracket = 1, brace = 2 };
 
+inline bool is_line_end(const vrn_src_token& token) {
+  return token.kind == vrn_token_kind::end_of_line || token.kind == vrn_token_kind::reserved_4;
+}
+
+inline bool is_opener(char symbol) { return symbol == '(' || symbol == '[' || symbol == '{'; }
+inline bool is_closer(char symbol) { return symbol == ')' || symbol == ']' || symbol == '}'; }
+
+// Whether the token is a backslash that continues a define on the next line.
+inline bool is_continuation(std::span<const vrn_token> tokens, std::size_t at) {
+  return punctuation(*tokens[at]) == '\\' && at + 1 < tokens.size() &&
+         tokens[at + 1]->kind == vrn_token_kind::end_of_line;
+}
+
 // Goes through its tokens once, from the first to the last. A builder whose operation has returned
 // false has reported why, and is of no further use.
 class vrn_command_builder {
  public:
-  // `depth` counts the brackets and bodies around the tokens, and those being built.
-  vrn_command_builder(vrn_src_command_map& map, std::span<const vrn_token> tokens,
-                      std::uint32_t& depth)
-      : map_(map), tokens_(tokens), brackets_(tokens), depth_(depth) {}
+  vrn_command_builder(vrn_src_command_map& map, std::span<const vrn_token> tokens)
+      : map_(map), tokens_(tokens), brackets_(tokens) {}
 
   // Builds all commands up to the position `end`.
   bool build_list(std::size_t end, vrn_enclosing enclosing, vrn_command_list& list);
-
-  // Builds the tokens, a define's body, into the define command.
-  bool build_define_body(const vrn_token& name, vrn_src_command& define);
 
  private:
   bool build_command(std::size_t end, vrn_enclosing enclosing, vrn_src_command& command);
@@ -44,13 +52,24 @@ class vrn_command_builder {
   bool build_body(std::size_t end, vrn_enclosing enclosing, vrn_src_command& command);
   bool build_group(std::size_t end, vrn_src_command& command);
 
-  // Takes the tokens up to the end of the line, those of lines that a backslash continues too.
-  std::vector<vrn_token> take_line(std::size_t end);
+  // Where the line of a define ends, or that of the last line that a backslash continues.
+  std::size_t end_of_line(std::size_t end) const;
 
   // Adds a token that stands for the next of the command's groups.
   void add_group_token(vrn_enclosing shape, const vrn_src_token& first,
                        const vrn_src_command& command);
   void take_token() { scratch_.push_back(tokens_[at_++]); }
+  // Whether the token here is part of no command.
+  bool at_line_end() const {
+    return is_line_end(*tokens_[at_]) || (in_define_ && is_continuation(tokens_, at_));
+  }
+  void take_or_skip() {
+    if (at_line_end()) {
+      ++at_;
+    } else {
+      take_token();
+    }
+  }
   // Moves the tokens collected since `first` into the command.
   void finish(vrn_src_command& command, std::size_t first);
 
@@ -62,7 +81,8 @@ class vrn_command_builder {
   vrn_src_command_map& map_;
   std::span<const vrn_token> tokens_;
   vrn_bracket_map brackets_;
-  std::uint32_t& depth_;
+  std::uint32_t depth_ = 0;  // of the brackets and bodies being built
+  bool in_define_ = false;
   std::size_t at_ = 0;
   // The tokens of the commands being built, one command's behind those of the one around it.
   std::vector<vrn_token> scratch_;

@@ -10,12 +10,6 @@
 namespace vorn {
 namespace {
 
-bool is_line_end(const vrn_src_token& token) {
-  return token.kind == vrn_token_kind::end_of_line || token.kind == vrn_token_kind::reserved_4;
-}
-
-bool is_closer(char symbol) { return symbol == ')' || symbol == ']' || symbol == '}'; }
-
 vrn_enclosing shape_of(char opener) {
   return opener == '('   ? vrn_enclosing::paren
          : opener == '[' ? vrn_enclosing::bracket
@@ -66,16 +60,14 @@ bool vrn_command_builder::build_ordinary(std::size_t end, vrn_enclosing enclosin
     const vrn_src_token& token = *tokens_[at_];
     const char symbol = punctuation(token);
     if (is_closer(symbol)) break;
-    if (is_line_end(token)) {
-      ++at_;
-    } else if (symbol == ';' || (symbol == ',' && enclosing == vrn_enclosing::paren)) {
+    if (symbol == ';' || (symbol == ',' && enclosing == vrn_enclosing::paren)) {
       ++at_;
       complete = true;
-    } else if (symbol == '(' || symbol == '[' || symbol == '{') {
+    } else if (is_opener(symbol)) {
       if (!build_group(end, command)) return false;
       complete = symbol == '{' && enclosing == vrn_enclosing::brace;
     } else {
-      take_token();
+      take_or_skip();
     }
   }
   finish(command, first);
@@ -116,7 +108,7 @@ void vrn_command_builder::finish(vrn_src_command& command, std::size_t first) {
 }
 
 void vrn_command_builder::skip_line_ends(std::size_t end) {
-  while (at_ < end && is_line_end(*tokens_[at_])) ++at_;
+  while (at_ < end && at_line_end()) ++at_;
 }
 
 bool vrn_command_builder::at_word(std::size_t end, std::string_view word) {
@@ -133,8 +125,7 @@ std::shared_ptr<vrn_src_command_map> create_command_map(std::shared_ptr<vrn_src_
   auto map = std::make_shared<vrn_src_command_map>();
   map->source = std::move(view);
   const std::vector<vrn_token>& tokens = map->source->tokens;
-  std::uint32_t depth = 0;
-  vrn_command_builder builder(*map, tokens, depth);
+  vrn_command_builder builder(*map, tokens);
   if (!builder.build_list(tokens.size(), vrn_enclosing::brace, map->commands)) return nullptr;
   return map;
 }

@@ -1,4 +1,5 @@
 // The define directive: a name and the tokens of its line.
+#include <span>
 #include <string>
 #include <utility>
 
@@ -10,67 +11,61 @@
 namespace vorn {
 namespace {
 
-void log_define(const vrn_token& name, const std::vector<vrn_token>& body) {
+void log_define(std::span<const vrn_token> texts) {
   if (!get_log().enabled(vrn_log_level::verbose)) return;
-  std::string texts(name->text);
-  for (const vrn_token& token : body) texts.append(" ").append(token->text);
-  log_line(vrn_log_level::verbose, "DEF ", texts);
+  std::string line = "DEF";
+  for (std::size_t at = 0; at < texts.size(); ++at) {
+    if (!is_line_end(*texts[at]) && !is_continuation(texts, at)) {
+      line.append(" ").append(texts[at]->text);
+    }
+  }
+  log_line(vrn_log_level::verbose, line);
 }
 
 }  // namespace
 
-// The body is built apart from the tokens around it: its brackets have to be closed on its line.
+// The brackets of a body have to be closed on its line, so groups are built up to the line's end.
+// It keeps every ";" and "," of the line, unlike an ordinary command.
 bool vrn_command_builder::build_define(std::size_t end, vrn_src_command& command) {
-  const vrn_src_token& sign = *tokens_[at_];
+  const std::size_t sign = at_;
   if (end - at_ < 3 || !tokens_[at_ + 1]->is_word("define") ||
       tokens_[at_ + 2]->kind != vrn_token_kind::word) {
-    report_invalid_directive(sign);
+    report_invalid_directive(*tokens_[sign]);
     return false;
   }
   command.kind = vrn_command_kind::define;
-  const vrn_token& name = tokens_[at_ + 2];
-  at_ += 3;
-  const std::vector<vrn_token> body = take_line(end);
-  if (!vrn_command_builder(map_, body, depth_).build_define_body(name, command)) return false;
-  log_define(name, body);
-  return true;
-}
-
-std::vector<vrn_token> vrn_command_builder::take_line(std::size_t end) {
-  std::vector<vrn_token> line;
-  for (; at_ < end; ++at_) {
-    if (tokens_[at_]->kind == vrn_token_kind::end_of_line) {
-      if (!tokens_[at_ - 1]->is_symbol("\\")) break;
-      line.pop_back();
-    } else if (tokens_[at_]->kind != vrn_token_kind::reserved_4) {
-      line.push_back(tokens_[at_]);
-    }
-  }
-  return line;
-}
-
-// Unlike an ordinary command it keeps every ";" and "," of its line.
-bool vrn_command_builder::build_define_body(const vrn_token& name, vrn_src_command& define) {
-  scratch_.push_back(name);
-  while (at_ < tokens_.size()) {
+  const std::size_t first = scratch_.size();
+  at_ += 2;
+  take_token();
+  const std::size_t line_end = end_of_line(end);
+  const bool is_outermost = !std::exchange(in_define_, true);
+  while (at_ < line_end) {
     const vrn_src_token& token = *tokens_[at_];
-    switch (punctuation(token)) {
-      case '(':
-      case '[':
-      case '{':
-        if (!build_group(tokens_.size(), define)) return false;
-        break;
-      case ')':
-      case ']':
-      case '}':
-        report_cannot_parse_token(token, token.text);
-        return false;
-      default:
-        take_token();
+    const char symbol = punctuation(token);
+    if (is_opener(symbol)) {
+      if (!build_group(line_end, command)) return false;
+    } else if (is_closer(symbol)) {
+      report_cannot_parse_token(token, token.text);
+      return false;
+    } else {
+      take_or_skip();
     }
   }
-  finish(define, 0);
+  if (is_outermost) in_define_ = false;
+  finish(command, first);
+  log_define(tokens_.subspan(sign + 2, line_end - sign - 2));
   return true;
+}
+
+// A define among the groups of another's body ends with that one's line, which is where they end.
+std::size_t vrn_command_builder::end_of_line(std::size_t end) const {
+  if (in_define_) return end;
+  std::size_t at = at_;
+  while (at < end &&
+         (tokens_[at]->kind != vrn_token_kind::end_of_line || is_continuation(tokens_, at - 1))) {
+    ++at;
+  }
+  return at;
 }
 
 }  // namespace vorn

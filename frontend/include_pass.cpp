@@ -61,16 +61,17 @@ class include_pass {
         spliced_.push_back(std::move(tokens[i]));
         continue;
       }
-      for (i += 2; i < tokens.size() && tokens[i]->kind != vrn_token_kind::end_of_line; ++i) {
-        if (tokens[i]->kind != vrn_token_kind::reserved_4) lines += include(view, tokens[i]);
+      const std::size_t first = i + 2;
+      for (i = first; i < tokens.size() && tokens[i]->kind != vrn_token_kind::end_of_line; ++i) {
+        if (tokens[i]->kind != vrn_token_kind::string) report_invalid_include(*tokens[i]);
       }
+      // The text of an operand of a wrong kind is deliberately tried as a file name all the same.
+      for (std::size_t k = first; k < i; ++k) lines += include(view, tokens[k]);
     }
     return lines;
   }
 
   std::uint32_t include(vrn_src_token_view& includer, const vrn_token& operand) {
-    // The text of an operand of a wrong kind is deliberately tried as a file name all the same.
-    if (operand->kind != vrn_token_kind::string) report_invalid_include(*operand);
     const std::string name = file_name_of(operand->text);
     const std::string path = find_file(name, includer);
     if (path.empty()) {

@@ -6,8 +6,8 @@
 namespace vorn {
 
 // The depth up to which brackets, prefix operators, call chains, definitions, defines and includes
-// nest. All of them are walked by recursion: 1000 levels take a fraction of an 8 MiB stack, also
-// under the sanitizers, whose frames are several times as large.
+// nest. All of them are walked by recursion, none of which takes more than 4 KiB of stack a level,
+// AddressSanitizer's redzones included (1 KiB without): half of an 8 MiB stack stays free.
 inline constexpr std::uint32_t max_nesting = 1000;
 
 // Counts one level for as long as it lives.

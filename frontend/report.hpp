@@ -30,19 +30,15 @@ void report(const vrn_src_place& place, std::string_view text, std::string_view 
 void report(const vrn_src_token& token, std::string_view text, std::string_view operand,
             std::string_view ending);
 
-#define VRN_MESSAGE(reporter, text)                              \
-  inline void report_##reporter(const vrn_src_place& place) {    \
-    report(place, text);                                         \
-  }                                                              \
-  inline void report_##reporter(const vrn_src_token& token) {    \
-    report(token, text);                                         \
-  }
-#define VRN_MESSAGE_OF(reporter, text, ending)                                                  \
-  inline void report_##reporter(const vrn_src_place& place, std::string_view operand) {         \
-    report(place, text, operand, ending);                                                       \
-  }                                                                                             \
-  inline void report_##reporter(const vrn_src_token& token, std::string_view operand) {         \
-    report(token, text, operand, ending);                                                       \
+#define VRN_MESSAGE(reporter, text)                                                  \
+  inline void report_##reporter(const vrn_src_place& place) { report(place, text); } \
+  inline void report_##reporter(const vrn_src_token& token) { report(token, text); }
+#define VRN_MESSAGE_OF(reporter, text, ending)                                          \
+  inline void report_##reporter(const vrn_src_place& place, std::string_view operand) { \
+    report(place, text, operand, ending);                                               \
+  }                                                                                     \
+  inline void report_##reporter(const vrn_src_token& token, std::string_view operand) { \
+    report(token, text, operand, ending);                                               \
   }
 #include "frontend/messages.def"
 #undef VRN_MESSAGE

@@ -52,8 +52,6 @@ class pool_pair {
   using pool = vrn_pool_threadsafe<T, Chunk>;
   using region = vrn_pool_region<T, Chunk>;
 
-  ~pool_pair() { end(); }
-
   void step(byte_source& source) {
     const std::uint32_t count = amount(source);
     switch (source.below(8)) {
@@ -77,7 +75,6 @@ class pool_pair {
 
   // The pools go before what is still out; then that goes too.
   void end() {
-    if (!near_.objects) return;
     foreign([&] { far_.objects->drain(); });
     near_.objects->drain();
     counting_log log;

@@ -1,10 +1,10 @@
 // Storage for the many small objects that one source file or tree consists of.
 //
-// Objects are cut from 16 KiB blocks, one behind the other, so making one costs an addition. A block
-// lies at a multiple of its size: its header, which counts the objects alive in it, is found from any
-// object by masking the address. The block goes when its last object has gone, so the objects may
-// outlive the store that they came from. Counts are plain integers: a store and all its objects
-// belong to one thread at a time.
+// Objects are cut from 16 KiB blocks, one behind the other, so making one costs an addition. A
+// block lies at a multiple of its size: its header, which counts the objects alive in it, is found
+// from any object by masking the address. The block goes when its last object has gone, so the
+// objects may outlive the store that they came from. Counts are plain integers: a store and all its
+// objects belong to one thread at a time.
 #pragma once
 
 #include <cstddef>

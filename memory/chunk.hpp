@@ -20,8 +20,8 @@ inline constexpr std::uint8_t heap_slot = 255;
 
 inline constexpr std::uint32_t chunk_alive = 0xFFABCDEF;
 
-// The slots back to back, then a stack of the free ones' numbers. A new chunk hands its slots out in
-// ascending order.
+// The slots back to back, then a stack of the free ones' numbers. A new chunk hands its slots out
+// in ascending order.
 template <class T, class Slots>
 struct vrn_pool_chunk {
   vrn_pool_chunk() {
@@ -62,14 +62,13 @@ struct vrn_pool_chunk_static : vrn_pool_chunk<T, std::array<T, chunk_slots>> {
 
 // A chunk of raw slots; taking one makes a new object in it. To be placed where a T can be.
 template <class T>
-struct vrn_pool_chunk_dynamic
-    : vrn_pool_chunk<T, std::array<std::byte, chunk_slots * sizeof(T)>> {
+struct vrn_pool_chunk_dynamic : vrn_pool_chunk<T, std::array<std::byte, chunk_slots * sizeof(T)>> {
   T* take(std::uint8_t slot) { return ::new (&this->slots[slot * sizeof(T)]) T; }
   static void end(T* object) noexcept { object->~T(); }
 };
 
-// A chunk and whose it is. Lies at a multiple of `boundary`, so it is found from an object's address
-// alone, whatever the object's slot byte says.
+// A chunk and whose it is. Lies at a multiple of `boundary`, so it is found from an object's
+// address alone, whatever the object's slot byte says.
 template <class T, template <class> class Chunk>
 struct vrn_pool_region {
   static vrn_pool_region* create(vrn_pool_base* owner) {
@@ -78,7 +77,7 @@ struct vrn_pool_region {
   static void destroy(vrn_pool_region* region) noexcept {
     region->chunk.magic = 0;
     region->~vrn_pool_region();
-    ::operator delete(region, std::align_val_t{boundary()});
+    ::operator delete (region, std::align_val_t{boundary()});
   }
 
   static vrn_pool_region* of(const T* object) {

@@ -1,9 +1,10 @@
 // Object pools: where values and their payloads live.
 //
-// A pool hands out fixed-size slots from chunks of 255. A chunk, with the pool that owns it in front,
-// lies at an address from which any object in it finds it by masking; so a release needs no search,
-// and a wrong slot byte (a memory fault, or the copy that a class payload makes of its source's) can
-// lead to a message but never to a wild read, a wrong delete or a slot handed out twice.
+// A pool hands out fixed-size slots from chunks of 255. A chunk, with the pool that owns it in
+// front, lies at an address from which any object in it finds it by masking; so a release needs no
+// search, and a wrong slot byte (a memory fault, or the copy that a class payload makes of its
+// source's) can lead to a message but never to a wild read, a wrong delete or a slot handed out
+// twice.
 //
 // Threads: only the owner's thread takes objects and puts them back into chunks. Any other thread
 // puts an object into the owner's ring of 1024 slots, which the owner drains while it holds the
@@ -173,9 +174,10 @@ class vrn_pool : public vrn_pool_base {
     home->listed = true;
   }
 
-  // Gives an object whose slot byte, or whose chunk, is not what it should be its right slot number.
-  // False when the object has to be left alone. What stands where the object claims that its chunk
-  // begins is not looked at; the search for its real chunk ends at the one found by masking.
+  // Gives an object whose slot byte, or whose chunk, is not what it should be its right slot
+  // number. False when the object has to be left alone. What stands where the object claims that
+  // its chunk begins is not looked at; the search for its real chunk ends at the one found by
+  // masking.
   static bool mend(T* object, const Chunk<T>& chunk) noexcept {
     const std::uint8_t claimed = object->pool_slot();
     const std::uint8_t actual = chunk.slot_of(object);
@@ -210,12 +212,12 @@ class vrn_pool_threadsafe final : public vrn_pool<T, Chunk> {
   // Releases an object on any thread; `own` is the pool of the calling thread's interpreter.
   static void release(T* object, vrn_pool_threadsafe* own) noexcept {
     vrn_pool_base* owner = region::of(object)->owner.load(std::memory_order_relaxed);
-    if (!owner) {
-      heap::give_back(object);
-    } else if (owner == own) {
+    if (owner && owner == own) [[likely]] {
       own->give_back(object);
-    } else {
+    } else if (owner) {
       static_cast<vrn_pool_threadsafe*>(owner)->queue(object);
+    } else {
+      heap::give_back(object);
     }
   }
 

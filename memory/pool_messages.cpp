@@ -31,9 +31,8 @@ void invalid_memory(int slot) { write_error("invalid variable pool memory! %i", 
 void unknown_object() { log_line(vrn_log_level::error, "unknown var encountered."); }
 
 void wrong_place(const void* object, const void* chunk, int claimed, int actual) {
-  write_error(
-      "Seems like variable %p belongs to pool %p, offset was %i, but actually is %i.", object,
-      chunk, claimed, actual);
+  write_error("Seems like variable %p belongs to pool %p, offset was %i, but actually is %i.",
+              object, chunk, claimed, actual);
 }
 
 void already_free() {
@@ -41,8 +40,6 @@ void already_free() {
            "Additionally, the variable was already free'd. Check for mem corruptions.");
 }
 
-void still_allocated() {
-  log_line(vrn_log_level::error, "There are still pool chunks allocated!");
-}
+void still_allocated() { log_line(vrn_log_level::error, "There are still pool chunks allocated!"); }
 
 }  // namespace vorn::pool_message

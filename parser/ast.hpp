@@ -34,7 +34,7 @@ struct vrn_ast_node {
   vrn_token token;
 
  protected:
-  vrn_ast_node(vrn_node_kind node_kind, const vrn_token& at) : kind(node_kind), token(at) {}
+  vrn_ast_node(vrn_node_kind node_kind, vrn_token at) : kind(node_kind), token(std::move(at)) {}
 };
 
 inline void release_last(vrn_ast_node* node) noexcept { vrn_block_store::destroy(node); }
@@ -77,9 +77,9 @@ struct vrn_ast_node_condition : vrn_ast_node_of<vrn_node_kind::condition_node> {
 struct vrn_ast_node_loop : vrn_ast_node_of<vrn_node_kind::loop_node> {
   using vrn_ast_node_of::vrn_ast_node_of;
 
-  vrn_node start;      // empty when the header has one part
+  vrn_node start;  // empty when the header has one part
   vrn_node condition;
-  vrn_node end;        // empty when the header has one part or two
+  vrn_node end;  // empty when the header has one part or two
   std::vector<vrn_node> body;
 };
 
@@ -107,8 +107,7 @@ struct vrn_ast_node_function_def : vrn_ast_node_of<vrn_node_kind::function_def_n
   std::vector<vrn_token> keywords;  // the words before the name
 };
 
-struct vrn_ast_node_function_call_param
-    : vrn_ast_node_of<vrn_node_kind::function_call_param_node> {
+struct vrn_ast_node_function_call_param : vrn_ast_node_of<vrn_node_kind::function_call_param_node> {
   using vrn_ast_node_of::vrn_ast_node_of;
 
   vrn_node value;

@@ -1,9 +1,10 @@
 // The forms that end in brackets: indexes, initializer lists, definitions and calls.
-#include <algorithm>
+#include <string_view>
 #include <utility>
 
 #include <vornscript/log.hpp>
 
+#include "frontend/nesting.hpp"
 #include "frontend/report.hpp"
 #include "parser/parser_state.hpp"
 
@@ -14,17 +15,26 @@ bool is_bracket(const vrn_token& token) { return token->kind == vrn_token_kind::
 bool is_paren(const vrn_token& token) { return token->kind == vrn_token_kind::group_paren; }
 bool is_brace(const vrn_token& token) { return token->kind == vrn_token_kind::group_brace; }
 
-bool is_ordinary(const vrn_command& command) {
-  return command->kind == vrn_command_kind::ordinary;
+// The position of the first such symbol; the range's end when there is none.
+std::uint32_t find_symbol(const vrn_src_command_view& range, std::string_view symbol) {
+  std::uint32_t at = range.first;
+  while (at < range.last && !range.token(at)->is_symbol(symbol)) ++at;
+  return at;
 }
+
+bool is_ordinary(const vrn_command& command) { return command->kind == vrn_command_kind::ordinary; }
 
 }  // namespace
 
 vrn_node vrn_parser::parse_bracket_form(const vrn_src_command_view& range) {
-  const auto begin = range.command->tokens.begin();
-  if (std::any_of(begin + range.first + 1, begin + range.last, is_bracket)) {
-    return parse_index(range);
-  }
+  std::uint32_t first_index = range.first + 1;
+  while (first_index < range.last && !is_bracket(range.token(first_index))) ++first_index;
+  return parse_last_group(range, first_index);
+}
+
+vrn_node vrn_parser::parse_last_group(const vrn_src_command_view& range,
+                                      std::uint32_t first_index) {
+  if (first_index < range.last) return parse_index(range, first_index);
   const vrn_token& last = range.back();
   if (is_brace(last)) {
     return is_paren(range.token(range.last - 2)) ? parse_function_def(range) : parse_struct(range);
@@ -33,17 +43,24 @@ vrn_node vrn_parser::parse_bracket_form(const vrn_src_command_view& range) {
   return fail(report_cannot_parse_whatever, range.front());
 }
 
+// There is no sign, operator or index in here that has not been looked for, so a chain of groups is
+// not searched again for each of them.
+vrn_node vrn_parser::parse_before_group(vrn_src_command_view range, std::uint32_t first_index) {
+  --range.last;
+  const nesting_level level(depth_);
+  if (level.too_deep()) return fail(report_nesting_too_deep, range.front());
+  return is_simple(range) ? parse_simple(range) : parse_last_group(range, first_index);
+}
+
 // Behind the first index nothing but further ones may stand.
-vrn_node vrn_parser::parse_index(const vrn_src_command_view& range) {
-  const auto end = range.command->tokens.begin() + range.last;
-  const auto first = std::find_if(range.command->tokens.begin() + range.first + 1, end, is_bracket);
-  if (!std::all_of(first, end, is_bracket)) {
-    return fail(report_invalid_after_bracket, range.front());
+vrn_node vrn_parser::parse_index(const vrn_src_command_view& range, std::uint32_t first_index) {
+  for (std::uint32_t at = first_index; at < range.last; ++at) {
+    if (!is_bracket(range.token(at))) return fail(report_invalid_after_bracket, range.front());
   }
   const vrn_command_list& list = range.command->group(*range.back());
   if (expressions_in(list) > 1) return fail(report_too_many_expressions, range.front());
   auto entry = ast_.make<vrn_ast_node_json_literal>(range.front());
-  entry->key = parse({range.command, range.first, range.last - 1});
+  entry->key = parse_before_group(range, first_index);
   if (entry->key) entry->value = parse_only(list);
   if (!entry->value) return fail(report_invalid_index, range.front());
   auto node = ast_.make<vrn_ast_node_json>(range.front());
@@ -52,15 +69,11 @@ vrn_node vrn_parser::parse_index(const vrn_src_command_view& range) {
 }
 
 vrn_node vrn_parser::parse_initializer_list(const vrn_src_command_view& range) {
-  const vrn_command_list& list = range.command->group(*range.front());
   auto node = ast_.make<vrn_ast_node_initializer_list>(range.front());
-  for (const vrn_command& command : list) {
+  for (const vrn_command& command : range.command->group(*range.front())) {
     if (command->kind == vrn_command_kind::define) {
       add_define(command);
-      continue;
-    }
-    const auto size = static_cast<std::uint32_t>(command->tokens.size());
-    if (!parse_initializer_entries({command.get(), 0, size}, node->entries)) {
+    } else if (!parse_initializer_entries(whole(*command), node->entries)) {
       return fail(report_cannot_parse_initializer_list, range.front());
     }
   }
@@ -68,45 +81,27 @@ vrn_node vrn_parser::parse_initializer_list(const vrn_src_command_view& range) {
   return node;
 }
 
-// Entries stand between commas.
-bool vrn_parser::parse_initializer_entries(const vrn_src_command_view& range,
+// Entries stand between commas; "=" parts an entry's key from its value.
+bool vrn_parser::parse_initializer_entries(vrn_src_command_view range,
                                            std::vector<std::vector<vrn_node>>& entries) {
-  vrn_src_command_view part = {range.command, range.first, range.first};
-  for (; part.last <= range.last; ++part.last) {
-    if (part.last < range.last && !range.token(part.last)->is_symbol(",")) continue;
-    if (!parse_initializer_entry(part, entries.emplace_back())) return false;
-    part.first = part.last + 1;
+  for (const std::uint32_t end = range.last;; range = {range.command, range.last + 1, end}) {
+    range.last = find_symbol(range, ",");
+    const std::uint32_t sign = find_symbol(range, "=");
+    std::vector<vrn_node>& entry = entries.emplace_back();
+    if (sign < range.last) {
+      if (!parse_into({range.command, range.first, sign}, entry)) return false;
+      range.first = sign + 1;
+    }
+    if (!parse_into(range, entry)) return false;
+    if (range.last == end) return true;
   }
-  return true;
-}
-
-// "=" parts an entry's key from its value.
-bool vrn_parser::parse_initializer_entry(const vrn_src_command_view& range,
-                                         std::vector<vrn_node>& entry) {
-  vrn_src_command_view part = {range.command, range.first, range.first};
-  while (part.last < range.last && !range.token(part.last)->is_symbol("=")) ++part.last;
-  if (part.last < range.last) {
-    entry.push_back(parse(part));
-    if (!entry.back()) return false;
-    part = {range.command, part.last + 1, range.last};
-  }
-  entry.push_back(parse(part));
-  return bool(entry.back());
 }
 
 vrn_node vrn_parser::parse_function_def(const vrn_src_command_view& range) {
   const std::uint32_t group = range.last - 2;
   if (group == range.first) return fail(report_unknown_token_in_def, range.token(group));
-  const std::uint32_t name = group - 1;
-  auto node = ast_.make<vrn_ast_node_function_def>(range.token(name));
-  node->name = range.token(name);
-  for (std::uint32_t at = range.first; at <= name; ++at) {
-    const vrn_token& token = range.token(at);
-    if (token->kind != vrn_token_kind::word) return fail(report_unknown_token_in_def, token);
-    if (at == name) break;
-    log_line(vrn_log_level::log, "FN KW: ", token->text);
-    node->keywords.push_back(token);
-  }
+  auto node = ast_.make<vrn_ast_node_function_def>(range.token(group - 1));
+  if (!parse_def_words({range.command, range.first, group}, *node)) return {};
   for (const vrn_command& command : range.command->group(*range.token(group))) {
     auto param = parse_param(command);
     if (!param) return {};
@@ -117,6 +112,23 @@ vrn_node vrn_parser::parse_function_def(const vrn_src_command_view& range) {
     return fail(report_cannot_parse_function_body, failed->tokens.front());
   }
   return node;
+}
+
+// Any number of words; the last one is the name.
+bool vrn_parser::parse_def_words(const vrn_src_command_view& range,
+                                 vrn_ast_node_function_def& node) {
+  for (std::uint32_t at = range.first; at < range.last; ++at) {
+    const vrn_token& token = range.token(at);
+    if (token->kind != vrn_token_kind::word) {
+      fail(report_unknown_token_in_def, token);
+      return false;
+    }
+    if (at + 1 == range.last) break;
+    log_line(vrn_log_level::log, "FN KW: ", token->text);
+    node.keywords.push_back(token);
+  }
+  node.name = range.back();
+  return true;
 }
 
 // A name, or a name, "=" and a default value.
@@ -154,12 +166,12 @@ vrn_node vrn_parser::parse_struct(const vrn_src_command_view& range) {
 vrn_node vrn_parser::parse_call(const vrn_src_command_view& range) {
   const vrn_token& first = range.front();
   auto node = ast_.make<vrn_ast_node_function_call>(first);
-  node->callee = parse({range.command, range.first, range.last - 1});
+  node->callee = parse_before_group(range, range.last);
   if (!node->callee) return fail(report_cannot_parse_call, first);
   for (const vrn_command& command : range.command->group(*range.back())) {
     if (!is_ordinary(command)) return fail(report_invalid_arguments, first, first->text);
     auto param = ast_.make<vrn_ast_node_function_call_param>(command->tokens.front());
-    param->value = parse(*command);
+    param->value = parse(whole(*command));
     if (!param->value) return fail(report_cannot_parse_argument, first);
     node->params.push_back(std::move(param));
   }

@@ -1,8 +1,10 @@
 // Assignments and operators.
 //
-// What waits for a side of its own is kept on a stack of the parser, not by recursion, so neither the
-// length of an expression nor its mix of operators costs stack; only prefix and postfix operators
-// and groups recurse.
+// What waits for a side of its own is kept on a stack of the parser, not by recursion, so neither
+// the length of an expression nor its mix of operators costs stack; only prefix and postfix
+// operators and groups recurse.
+#include <algorithm>
+#include <initializer_list>
 #include <optional>
 #include <utility>
 
@@ -15,8 +17,8 @@ namespace {
 
 bool is_sign(const vrn_src_token& token) { return token.is_symbol("="); }
 
-// Whether "=" behind this token is part of a comparison or compound operator that was written with a
-// blank inside.
+// Whether "=" behind this token is part of a comparison or compound operator that was written with
+// a blank inside.
 bool begins_operator(const vrn_src_token& token) {
   return token.kind == vrn_token_kind::symbol &&
          std::string_view("!&*+-/<>^|").find(token.text[0]) != std::string_view::npos;
@@ -26,6 +28,10 @@ bool begins_operator(const vrn_src_token& token) {
 // kept from being one.
 bool begins_with_sign(const vrn_src_command_view& range) {
   return is_sign(*range.front()) && !is_sign(*range.token(range.first + 1));
+}
+
+bool is_any(const vrn_src_token& token, std::initializer_list<std::string_view> symbols) {
+  return std::find(symbols.begin(), symbols.end(), token.text) != symbols.end();
 }
 
 vrn_src_command_view before(vrn_src_command_view range, std::uint32_t position) {
@@ -84,7 +90,8 @@ bool vrn_parser::parse_target(const vrn_src_command_view& range, std::uint32_t s
   return true;
 }
 
-// Gives the values to the assignments that wait, the last one first; the first of them is the whole.
+// Gives the values to the assignments that wait, the last one first; the first of them is the
+// whole.
 vrn_node vrn_parser::finish_assigns(std::size_t outer, vrn_node value) {
   for (; assigns_.size() > outer; assigns_.pop_back()) {
     vrn_ref<vrn_ast_node_assign>& node = assigns_.back();
@@ -123,7 +130,7 @@ vrn_node vrn_parser::parse_split(vrn_src_command_view range, std::uint32_t at) {
   for (;;) {
     for (; !is_operand(range, at); at = operators_[at].left) {
       add_split(range, at);
-      range = before(range, operators_[at].position);
+      range.last = operators_[at].position;
     }
     vrn_node side = finish_splits(outer, parse_operand(range, at));
     if (splits_.size() == outer) return side;
@@ -150,7 +157,7 @@ vrn_node vrn_parser::finish_splits(std::size_t outer, vrn_node side) {
       fail(report_cannot_parse_right, node->token, node->op);
     } else if (!node->left) {
       node->left = std::move(side);
-      break;
+      return {};
     } else {
       node->right = std::move(side);
       side = std::move(node);
@@ -171,10 +178,10 @@ vrn_node vrn_parser::parse_operand(const vrn_src_command_view& range, std::uint3
   if (at == vrn_operator_index::none) return parse_bracket_form(range);
   const std::uint32_t position = operators_[at].position;
   const vrn_token& token = range.token(position);
-  const bool doubled = token->text == "++" || token->text == "--";
-  if (position + 1 == range.last && doubled) return parse_unary(range, at, true);
-  if (position == range.first &&
-      (doubled || token->text == "!" || token->text == "-" || token->text == "+")) {
+  if (position + 1 == range.last && is_any(*token, {"++", "--"})) {
+    return parse_unary(range, at, true);
+  }
+  if (position == range.first && is_any(*token, {"++", "--", "!", "-", "+"})) {
     return parse_unary(range, at, false);
   }
   return fail_loudly(report_operator_without_operands, token);
@@ -184,9 +191,8 @@ vrn_node vrn_parser::parse_unary(const vrn_src_command_view& range, std::uint32_
                                  bool postfix) {
   const vrn_operator_index::entry split = operators_[at];
   const vrn_token& token = range.token(split.position);
-  const vrn_reporter reporter =
-      postfix ? vrn_reporter(report_cannot_parse_postfix_operand)
-              : vrn_reporter(report_cannot_parse_prefix_operand);
+  const vrn_reporter reporter = postfix ? vrn_reporter(report_cannot_parse_postfix_operand)
+                                        : vrn_reporter(report_cannot_parse_prefix_operand);
   const vrn_src_command_view rest =
       postfix ? before(range, split.position) : after(range, split.position);
   const nesting_level level(depth_);
@@ -194,7 +200,7 @@ vrn_node vrn_parser::parse_unary(const vrn_src_command_view& range, std::uint32_
   auto node = ast_.make<vrn_ast_node_unary>(token);
   node->op = token->text;
   node->postfix = postfix;
-  if (rest.size() > 0) node->operand = parse_split(rest, postfix ? split.left : split.right);
+  node->operand = parse_split(rest, postfix ? split.left : split.right);
   return node->operand ? node : fail(reporter, token);
 }
 

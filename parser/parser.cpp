@@ -14,11 +14,7 @@ namespace {
 
 // How much the defines of one program may expand to.
 constexpr std::uint64_t replacements_max = 1'000'000;
-constexpr std::uint64_t replaced_tokens_max = 10'000'000;
-
-vrn_src_command_view whole(const vrn_src_command& command) {
-  return {&command, 0, static_cast<std::uint32_t>(command.tokens.size())};
-}
+constexpr std::uint64_t replaced_tokens_max = 32'000'000;
 
 bool is_define(const vrn_command& command) { return command->kind == vrn_command_kind::define; }
 
@@ -26,11 +22,21 @@ bool consists_of(std::string_view text, std::string_view characters) {
   return text.find_first_not_of(characters) == std::string_view::npos;
 }
 
-bool is_keyword(std::string_view text) {
-  return text == "if" || text == "else" || text == "for" || text == "return";
+enum class keyword { none, if_, else_, for_, return_ };
+
+keyword keyword_of(const vrn_src_token& token) {
+  if (token.is_word("if")) return keyword::if_;
+  if (token.is_word("else")) return keyword::else_;
+  if (token.is_word("for")) return keyword::for_;
+  if (token.is_word("return")) return keyword::return_;
+  return keyword::none;
 }
 
 }  // namespace
+
+vrn_src_command_view whole(const vrn_src_command& command) {
+  return {&command, 0, static_cast<std::uint32_t>(command.tokens.size())};
+}
 
 std::size_t expressions_in(const vrn_command_list& list) {
   return list.size() - static_cast<std::size_t>(std::count_if(list.begin(), list.end(), is_define));
@@ -61,14 +67,19 @@ bool vrn_parser::parse_program(const vrn_command_list& commands) {
   return false;
 }
 
-vrn_node vrn_parser::parse(const vrn_src_command& command) { return parse(whole(command)); }
-
-vrn_node vrn_parser::parse(vrn_src_command_view range) {
+vrn_node vrn_parser::parse(const vrn_src_command_view& range) {
   if (range.size() == 0) return {};
   const nesting_level level(depth_);
   if (level.too_deep()) return fail(report_nesting_too_deep, range.front());
   const std::size_t outer = assigns_.size();
   return finish_assigns(outer, parse_value(range));
+}
+
+bool vrn_parser::parse_into(const vrn_src_command_view& range, std::vector<vrn_node>& nodes) {
+  vrn_node node = parse(range);
+  if (!node) return false;
+  nodes.push_back(std::move(node));
+  return true;
 }
 
 vrn_node vrn_parser::parse_value(vrn_src_command_view range) {
@@ -85,15 +96,25 @@ vrn_node vrn_parser::parse_value(vrn_src_command_view range) {
 }
 
 bool vrn_parser::is_simple(const vrn_src_command_view& range) {
-  return range.size() == 1 ||
-         (range.front()->kind == vrn_token_kind::word && is_keyword(range.front()->text));
+  return range.size() == 1 || keyword_of(*range.front()) != keyword::none;
 }
 
 vrn_node vrn_parser::parse_simple(const vrn_src_command_view& range) {
   const vrn_token& first = range.front();
+  switch (keyword_of(*first)) {
+    case keyword::if_:
+    case keyword::else_:
+      return parse_condition(range);
+    case keyword::for_:
+      return parse_loop(range);
+    case keyword::return_:
+      return parse_return(range);
+    case keyword::none:
+      break;
+  }
   switch (first->kind) {
     case vrn_token_kind::word:
-      return parse_word(range);
+      return parse_word(first);
     case vrn_token_kind::string:
       return ast_.make<vrn_ast_node_string>(first);
     case vrn_token_kind::group_paren:
@@ -108,11 +129,7 @@ vrn_node vrn_parser::parse_simple(const vrn_src_command_view& range) {
 }
 
 // Numbers are told by their characters alone, deliberately: fe and 1.2.3 are floats.
-vrn_node vrn_parser::parse_word(const vrn_src_command_view& range) {
-  const vrn_token& token = range.front();
-  if (token->text == "if" || token->text == "else") return parse_condition(range);
-  if (token->text == "for") return parse_loop(range);
-  if (token->text == "return") return parse_return(range);
+vrn_node vrn_parser::parse_word(const vrn_token& token) {
   if (!defines_.empty()) {
     const auto found = defines_.find(token->text);
     if (found != defines_.end() && !found->second.in_use) {
@@ -165,7 +182,7 @@ vrn_node vrn_parser::parse_only(const vrn_command_list& list) {
     if (is_define(command)) {
       add_define(command);
     } else {
-      node = parse(*command);
+      node = parse(whole(*command));
     }
   }
   return node;
@@ -176,11 +193,9 @@ const vrn_src_command* vrn_parser::parse_list(const vrn_command_list& list,
   for (const vrn_command& command : list) {
     if (is_define(command)) {
       add_define(command);
-      continue;
+    } else if (!parse_into(whole(*command), nodes)) {
+      return command.get();
     }
-    vrn_node node = parse(*command);
-    if (!node) return command.get();
-    nodes.push_back(std::move(node));
   }
   return nullptr;
 }

@@ -1,8 +1,8 @@
 // The parser's insides. It works on half-open ranges of tokens inside one command, tries the forms
 // of the language in a fixed order, and calls itself on sub-ranges and on the commands of groups.
 //
-// A form that fails reports it and sets the error flag; while the flag is set nearly nothing more is
-// reported, so the first error of a program is the one that is shown. An empty result without a
+// A form that fails reports it and sets the error flag; while the flag is set nearly nothing more
+// is reported, so the first error of a program is the one that is shown. An empty result without a
 // report (nothing between brackets, say) is reported by the form that needed something there.
 #pragma once
 
@@ -23,6 +23,8 @@ namespace vorn {
 
 using vrn_reporter = void (*)(const vrn_src_token&);
 using vrn_operand_reporter = void (*)(const vrn_src_token&, std::string_view);
+
+vrn_src_command_view whole(const vrn_src_command& command);
 
 // How many commands of a list are no defines.
 std::size_t expressions_in(const vrn_command_list& list);
@@ -48,13 +50,14 @@ class vrn_parser {
   };
 
   // parser.cpp: commands, single tokens, defines
-  vrn_node parse(const vrn_src_command& command);
-  vrn_node parse(vrn_src_command_view range);
+  vrn_node parse(const vrn_src_command_view& range);
+  // Adds what a range gives to a list; false when that is nothing.
+  bool parse_into(const vrn_src_command_view& range, std::vector<vrn_node>& nodes);
   vrn_node parse_value(vrn_src_command_view range);
   // Whether a range begins with a keyword or has one token, and what it gives then.
   static bool is_simple(const vrn_src_command_view& range);
   vrn_node parse_simple(const vrn_src_command_view& range);
-  vrn_node parse_word(const vrn_src_command_view& range);
+  vrn_node parse_word(const vrn_token& token);
   vrn_node parse_paren_group(const vrn_src_command_view& range);
   vrn_node parse_brace_group(const vrn_src_command_view& range);
   void add_define(const vrn_command& command);
@@ -83,12 +86,16 @@ class vrn_parser {
 
   // bracket_form.cpp: indexes, initializer lists, definitions, calls
   vrn_node parse_bracket_form(const vrn_src_command_view& range);
-  vrn_node parse_index(const vrn_src_command_view& range);
+  // `first_index` is the first position behind the front at which an index stands, or the end.
+  vrn_node parse_last_group(const vrn_src_command_view& range, std::uint32_t first_index);
+  // What stands before the last group: what is called or indexed.
+  vrn_node parse_before_group(vrn_src_command_view range, std::uint32_t first_index);
+  vrn_node parse_index(const vrn_src_command_view& range, std::uint32_t first_index);
   vrn_node parse_initializer_list(const vrn_src_command_view& range);
-  bool parse_initializer_entries(const vrn_src_command_view& range,
+  bool parse_initializer_entries(vrn_src_command_view range,
                                  std::vector<std::vector<vrn_node>>& entries);
-  bool parse_initializer_entry(const vrn_src_command_view& range, std::vector<vrn_node>& entry);
   vrn_node parse_function_def(const vrn_src_command_view& range);
+  bool parse_def_words(const vrn_src_command_view& range, vrn_ast_node_function_def& node);
   vrn_ref<vrn_ast_node_function_def_param> parse_param(const vrn_command& command);
   vrn_node parse_struct(const vrn_src_command_view& range);
   vrn_node parse_call(const vrn_src_command_view& range);

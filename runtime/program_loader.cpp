@@ -16,10 +16,12 @@
 namespace vorn {
 namespace {
 
-// Milliseconds since it was made.
+// Milliseconds since it was made; below 0 when the clock was set back.
 class stopwatch {
  public:
-  std::uint64_t elapsed() const { return current_clock().wall_ms() - start_; }
+  std::int64_t elapsed() const {
+    return static_cast<std::int64_t>(current_clock().wall_ms() - start_);
+  }
 
  private:
   std::uint64_t start_ = current_clock().wall_ms();

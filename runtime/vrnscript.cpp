@@ -20,7 +20,8 @@ vrn_thread_binding::~vrn_thread_binding() {
   if (script_ && current_script == script_) current_script = nullptr;
 }
 
-vrnscript::vrnscript(vrnscript_config config) : state_(std::make_unique<vrnscript_state>()) {
+vrnscript::vrnscript(vrnscript_config config)
+    : owned_(std::make_unique<vrnscript_state>()), state_(owned_.get()) {
   state_->logger = std::move(config.logger);
   state_->filesys = std::move(config.filesys);
   state_->clock = std::move(config.clock);
@@ -51,7 +52,8 @@ void vrnscript::tick() {
 void vrnscript::register_std_function(std::string_view name, vrn_native callable,
                                       std::uint32_t min_arguments, std::uint32_t max_arguments) {
   state_->functions.insert_or_assign(
-      std::string(name), make_std_function(name, std::move(callable), min_arguments, max_arguments));
+      std::string(name),
+      make_std_function(name, std::move(callable), min_arguments, max_arguments));
 }
 
 void vrnscript::add_std_functions() { vorn::add_std_functions(*this); }

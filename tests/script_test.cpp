@@ -12,6 +12,7 @@
 
 #include <gtest/gtest.h>
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <filesystem>
 #include <fstream>
@@ -137,22 +138,9 @@ class case_reader {
   int number_ = 0;
 };
 
+// By the position of the level's bit; no level is the clock.
 char marker_of(vrn_log_level level) {
-  switch (level) {
-    case vrn_log_level::log:
-      return '*';
-    case vrn_log_level::warning:
-      return '?';
-    case vrn_log_level::error:
-      return '!';
-    case vrn_log_level::verbose:
-      return '~';
-    case vrn_log_level::debug:
-      return ':';
-    case vrn_log_level::out:
-      return '>';
-  }
-  return '@';
+  return "@*?!~:>"[std::bit_width(static_cast<std::uint32_t>(level))];
 }
 
 // What stands between the first `before` and the last `after`.

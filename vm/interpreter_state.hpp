@@ -14,8 +14,8 @@
 
 namespace vorn {
 
-using vrn_function_table = std::unordered_map<std::string, vrn_ref<vrn_std_function>, vrn_hasher,
-                                              vrn_transparent_equal>;
+using vrn_function_table =
+    std::unordered_map<std::string, vrn_ref<vrn_std_function>, vrn_hasher, vrn_transparent_equal>;
 
 // Released in the reverse of this order: the pools' last messages still reach the logger.
 struct vrnscript_state {

@@ -27,8 +27,8 @@ struct vrnjson {
 };
 static_assert(sizeof(vrnjson) == 56);
 
-// Needs no alignment. The first seven keyed members are found by looking at each; from the eighth on
-// a hash table on the heap takes over.
+// Needs no alignment. The first seven keyed members are found by looking at each; from the eighth
+// on a hash table on the heap takes over.
 class vrn_json_container {
  public:
   vrn_json_container() = default;

@@ -60,6 +60,11 @@ std::vector<detached_payload>& put_aside() {
 
 detached_payload::~detached_payload() {
   if (type_ < vrn_type::primitive_end) return;
+  // A string releases nothing else.
+  if (type_ == vrn_type::string) {
+    release();
+    return;
+  }
   if (release_depth >= release_depth_max) {
     try {
       put_aside().push_back(std::move(*this));
@@ -107,8 +112,7 @@ std::uint64_t acquire_payload(vrn_type type) {
     case vrn_type::string:
       return address_of(vrn_value_pools::texts::take_from(own_pool<&vrn_value_pools::strings>()));
     case vrn_type::json:
-      return address_of(
-          vrn_value_pools::containers::take_from(own_pool<&vrn_value_pools::json>()));
+      return address_of(vrn_value_pools::containers::take_from(own_pool<&vrn_value_pools::json>()));
     case vrn_type::class_:
     case vrn_type::function:
       return address_of(
@@ -145,8 +149,8 @@ void copy_members(const vrn_json_container& source, vrn_json_container& copy) {
 
 template <class Number>
 Number not_a_number(const char* operation, vrn_type type) {
-  log_line(vrn_log_level::error, operation, "() not implemented for type: ",
-           static_cast<unsigned>(type));
+  log_line(vrn_log_level::error, operation,
+           "() not implemented for type: ", static_cast<unsigned>(type));
   return Number{};
 }
 
@@ -344,7 +348,9 @@ vrnvar_shared var_float(double number) {
 
 vrnvar_shared var_string(std::string_view text) {
   vrnvar_shared value = var_none();
-  value->set_string(text);
+  value->payload = acquire_payload(vrn_type::string);
+  value->type = vrn_type::string;
+  value->as<vrnvar_ptr_str>()->text.assign(text);
   return value;
 }
 

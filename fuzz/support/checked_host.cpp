@@ -19,6 +19,8 @@ constexpr const char* healthy_program =
 
 checked_host::checked_host(files sources) : sources_(std::move(sources)) {
   for (const auto& [name, text] : sources_) host_.files->add(name, text);
+  // A million defines may be replaced, and each would be kept as a line.
+  host_.log->level_mask = vrn_log_all & ~static_cast<std::uint32_t>(vrn_log_level::log);
 }
 
 vrn_program checked_host::load() {

@@ -32,27 +32,35 @@ std::uint32_t number_of(std::string_view digits) {
   return number;
 }
 
-// How much a token that begins with this byte takes up at least.
+// How many bytes the character takes up that begins with this one.
 std::size_t length_at(std::string_view text) {
   const auto lead = static_cast<unsigned char>(text[0]);
-  return lead < 0xC0 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+  return lead < 0xC0 || lead > 0xF7 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
 }
 
-// Whether a line end may be no line end to the lexer: behind a backslash in a string, or where a
-// stray lead byte takes it for a part of its character. In a string of several lines it is one, but
-// the string has the column of its beginning and the line of its end.
-bool has_odd_line_ends(std::string_view text) {
-  if (text.find("\"\"\"") != std::string_view::npos || text.find("'''") != std::string_view::npos) {
-    return true;
+bool is_utf8(std::string_view text) {
+  while (!text.empty()) {
+    const std::size_t length = length_at(text);
+    const std::string_view rest = text.substr(1, length - 1);
+    const bool shortest = length == 1 ? text[0] >= 0
+                                      : text[0] != '\xC0' && !text.starts_with("\xE0\x80") &&
+                                            !text.starts_with("\xF0\x80");
+    if (!shortest || rest.size() < length - 1 ||
+        !std::all_of(rest.begin(), rest.end(), [](char c) { return c < '\xC0'; })) {
+      return false;
+    }
+    text.remove_prefix(length);
   }
-  for (std::size_t at = text.find('\n'); at < text.size(); at = text.find('\n', at + 1)) {
-    const std::string_view before =
-        text.substr(at - std::min<std::size_t>(at, 3), std::min<std::size_t>(at, 3));
-    if (before.ends_with('\\')) return true;
-    if (std::any_of(before.begin(), before.end(), [](char c) { return (c & 0xC0) == 0xC0; }))
-      return true;
-  }
-  return false;
+  return true;
+}
+
+// Whether the lexer counts the lines as they look. It does not count a line end behind a backslash
+// in a string, nor one that a stray lead byte takes for a part of its character; and a string of
+// several lines has the column of its beginning and the line of its end.
+bool has_plain_lines(std::string_view text) {
+  return is_utf8(text) && text.find("\\\n") == std::string_view::npos &&
+         text.find(R"(""")") == std::string_view::npos &&
+         text.find("'''") == std::string_view::npos;
 }
 
 }  // namespace
@@ -79,14 +87,14 @@ source_report parse_source_report(std::string_view logged) {
 
 bool has_place(const source_report& report, std::string text) {
   text = normalise_source(std::move(text));
+  if (report.line == 0 || text.find(report.shown) == std::string::npos) return false;
+  if (!has_plain_lines(text)) return report.line <= text.size() && report.column <= text.size();
   std::size_t begin = 0;
   for (std::uint32_t line = 1; line < report.line && begin < text.size(); ++line) {
     begin = std::min(text.find('\n', begin), text.size() - 1) + 1;
   }
-  const std::size_t width =
-      has_odd_line_ends(text) ? text.size() : std::min(text.find('\n', begin), text.size()) - begin;
-  return report.line > 0 && (begin < text.size() || report.line == 1) && report.column <= width &&
-         text.find(report.shown) != std::string::npos;
+  const std::size_t end = std::min(text.find('\n', begin), text.size());
+  return begin < text.size() && report.column <= end - begin;
 }
 
 bool is_blank(std::string_view text) {

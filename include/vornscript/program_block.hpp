@@ -64,8 +64,7 @@ class vrn_program_block_routine final
   struct name_entry {
     std::uint32_t index;
   };
-  using name_map =
-      std::unordered_map<std::string, name_entry, vrn_hasher, vrn_transparent_equal>;
+  using name_map = std::unordered_map<std::string, name_entry, vrn_hasher, vrn_transparent_equal>;
 
   explicit vrn_program_block_routine(vrn_program_block_base* enclosing);
   ~vrn_program_block_routine();

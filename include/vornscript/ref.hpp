@@ -22,13 +22,11 @@ class vrn_ref {
   vrn_ref(const vrn_ref& other) noexcept : object_(other.object_) { retain(); }
   vrn_ref(vrn_ref&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
 
-  template <class U>
-    requires std::is_convertible_v<U*, T*>
+  template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
   vrn_ref(const vrn_ref<U>& other) noexcept : object_(other.get()) {
     retain();
   }
-  template <class U>
-    requires std::is_convertible_v<U*, T*>
+  template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
   vrn_ref(vrn_ref<U>&& other) noexcept : object_(other.detach()) {}
 
   ~vrn_ref() { release(); }

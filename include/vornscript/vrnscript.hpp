@@ -67,7 +67,9 @@ class alignas(64) vrnscript final : private vrn_thread_binding {
  private:
   void add_std_functions();
 
-  std::unique_ptr<vrnscript_state> state_;
+  std::unique_ptr<vrnscript_state> owned_;
+  // Stays readable while the state is being released: what that has to say finds its logger.
+  vrnscript_state* state_;
 };
 
 }  // namespace vorn

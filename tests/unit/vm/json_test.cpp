@@ -16,7 +16,7 @@ namespace {
 
 // Up to seven keys lie in the container, more in a table that grows. Of several members with one
 // key the last is found; one without a key is listed only.
-TEST(json, members_are_listed_in_order_and_found_by_key) {
+TEST(json_test, members_are_listed_in_order_and_found_by_key) {
   const test::script_host host;
   for (const std::size_t keys : {1U, 7U, 8U, 300U}) {
     vrn_json_container container;
@@ -38,19 +38,14 @@ TEST(json, members_are_listed_in_order_and_found_by_key) {
       EXPECT_EQ(container.find(""), nullptr);
       EXPECT_EQ(container.find("missing"), nullptr);
     }
-    vrn_json_container other;
-    const vrnjson* const only = other.add("only");
-    other.swap(container);
-    EXPECT_EQ(container.find("only"), only);
-    for (const auto& [name, entry] : last) EXPECT_EQ(other.find(name), entry);
-    other.clear();
-    EXPECT_EQ(other.size(), 0U);
-    for (const auto& [name, entry] : last) EXPECT_EQ(other.find(name), nullptr);
+    container.clear();
+    EXPECT_EQ(container.size(), 0U);
+    EXPECT_EQ(container.find("x"), nullptr);
   }
   EXPECT_EQ(host.script.state().pools.json_values.live_count(), 0U);
 }
 
-TEST(json, texts_of_any_length) {
+TEST(json_test, texts_of_any_length) {
   vrn_text text;
   for (const std::size_t length : {0U, 1U, 30U, 31U, 5U, 1000U, 2000U, 29U}) {
     const std::string expected(length, 'a');

@@ -1,13 +1,11 @@
 #include <vornscript/value.hpp>
 
 #include <bit>
-#include <cfloat>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
-#include <optional>
 #include <random>
 #include <sstream>
 #include <string>
@@ -35,11 +33,6 @@ constexpr vrn_type types[] = {
 
 vrn_json_container& members_of(const vrnvar& value) { return value.as<vrnvar_ptr_json>()->members; }
 vrnvar_ptr_function& callable(const vrnvar& value) { return *value.as<vrnvar_ptr_function>(); }
-
-bool has_payload(vrn_type type) {
-  return type == vrn_type::string || type == vrn_type::json || type == vrn_type::class_ ||
-         type == vrn_type::function;
-}
 
 vrnvar_shared empty(vrn_type type) {
   vrnvar_shared value = var_none();
@@ -72,7 +65,9 @@ std::string shown(const vrnvar& value) {
   if (value.type == vrn_type::json) {
     for (std::size_t k = 0; k < members_of(value).size(); ++k) {
       const vrnjson* member = members_of(value).at(k);
-      text += "{" + std::string(member->key.view()) + "=" + shown(member->value) + "}";
+      text += "{" + std::string(member->key.view());
+      text += (members_of(value).find(member->key.view()) == member ? "=" : ":") +
+              shown(member->value) + "}";
     }
   } else if (value.type == vrn_type::class_ || value.type == vrn_type::function) {
     const vrnvar_ptr_function& payload = callable(value);
@@ -85,9 +80,9 @@ std::string shown(const vrnvar& value) {
   return text;
 }
 
-class values : public testing::Test {
+class value_test : public testing::Test {
  protected:
-  ~values() override { EXPECT_EQ(live(), 0U); }
+  ~value_test() override { EXPECT_EQ(live(), 0U); }
 
   // Those since the last look.
   strings errors() {
@@ -106,11 +101,11 @@ class values : public testing::Test {
   test::script_host host_;
 };
 
-TEST_F(values, every_type_becomes_every_type) {
+TEST_F(value_test, every_type_becomes_every_type) {
   for (const vrn_type from : types) {
     for (const vrn_type to : types) {
       SCOPED_TRACE(std::string(type_name(from)) + " to " + std::string(type_name(to)));
-      const bool reuses = from == to && has_payload(to);
+      const bool reuses = from == to && empty(to)->payload != 0;
       const vrnvar_shared source = filled(to);
       const std::string before = shown(*source);
       for (const bool copies : {false, true}) {
@@ -139,46 +134,36 @@ TEST_F(values, every_type_becomes_every_type) {
   errors();  // of the classes, whose copies claim their source's slot
 }
 
-TEST_F(values, as_text_and_numbers) {
-  struct conversions {
-    std::string text;
-    std::int64_t integer;
-    double floating;
-  };
-  const std::map<vrn_type, conversions> known = {{vrn_type::integer, {"7", 7, 7}},
-                                                 {vrn_type::floating, {"2.500000", 2, 2.5}},
-                                                 {vrn_type::string, {long_text, 12, 12}}};
+TEST_F(value_test, as_text_and_numbers) {
+  const std::map<vrn_type, std::string> known = {{vrn_type::integer, "7,7,7.000000"},
+                                                 {vrn_type::floating, "2.500000,2,2.500000"},
+                                                 {vrn_type::string, long_text + ",12,12.000000"}};
   for (const vrn_type type : types) {
-    const std::string number = std::to_string(static_cast<int>(type));
-    SCOPED_TRACE(number);
-    const auto found = known.find(type);
-    const conversions expected = found != known.end() ? found->second : conversions{};
     const vrnvar_shared value = filled(type);
-    EXPECT_EQ(value->to_text(), type == vrn_type::error ? "ERROR" : expected.text);
-    EXPECT_EQ(value->get_int(), expected.integer);
-    EXPECT_EQ(value->get_float(), expected.floating);
-    EXPECT_EQ(errors(), found != known.end()
-                            ? strings{}
-                            : (strings{"get_int() not implemented for type: " + number,
-                                       "get_float() not implemented for type: " + number}));
+    std::string seen = value->to_text();
+    seen += "," + std::to_string(value->get_int());
+    seen += "," + std::to_string(value->get_float());
+    for (const std::string& error : errors()) seen += "," + error;
+    std::string unknown = type == vrn_type::error ? "ERROR,0,0.000000" : ",0,0.000000";
+    for (const char* operation : {",get_int", ",get_float"}) {
+      unknown += operation;
+      unknown += "() not implemented for type: " + std::to_string(static_cast<int>(type));
+    }
+    EXPECT_EQ(seen, known.contains(type) ? known.at(type) : unknown);
   }
 }
 
-TEST_F(values, numbers_are_read_and_written_like_those_of_c) {
+TEST_F(value_test, numbers_are_read_and_written_like_those_of_c) {
   std::istringstream texts(
       "|42|  "
       "42abc|\t\n\v\f\r-17|+5|+-5|-+5|--5|-|+|abc|1e3|9223372036854775807|007|0x1F|-0X1p3|1.5|"
       "9223372036854775808|-9223372036854775808|-9999999999999999999|+9223372036854775808|.5|-.5|5."
-      "|.|1e|1e+|1e-3|+1.25e2x|inf|-Infinity|1e400|-1e400|1e-400|5e-324| 2.5|1,5|0.1|12345678901234"
-      "5678901234567890");
+      "|.|1e|1e+|1e-3|+1.25e2x|inf|-Infinity|1e400|-1e400|1e-400|5e-324| 2.5|1,5|0.1");
   for (std::string text; std::getline(texts, text, '|');) {
     EXPECT_EQ(var_string(text)->get_int(), std::atoll(text.c_str())) << text;
     EXPECT_EQ(var_string(text)->get_float(), std::atof(text.c_str())) << text;
   }
-  EXPECT_EQ(var_string(std::string("12\0003", 4))->get_int(), 12);
-
-  std::vector<double> numbers = {0.0,    -0.0,   0.0078125, 1.5e-6, 0.9999995, -2.7,     DBL_MAX,
-                                 5e-324, 0x1p63, -0x1p63,   NAN,    -NAN,      HUGE_VAL, -HUGE_VAL};
+  std::vector<double> numbers = {0.0, -0.0, 0x1p-7, -2.7, 0x1p63, -0x1p63, NAN, -NAN, INFINITY};
   std::mt19937_64 random(1);
   for (int k = 0; k < 5000; ++k) numbers.push_back(std::bit_cast<double>(random()));
   for (const double number : numbers) {
@@ -188,38 +173,22 @@ TEST_F(values, numbers_are_read_and_written_like_those_of_c) {
     const bool fits = number >= -0x1p63 && number < 0x1p63;
     EXPECT_EQ(var_float(number)->get_int(), fits ? static_cast<std::int64_t>(number) : INT64_MIN);
   }
-  EXPECT_EQ(errors(), strings());
 }
 
-TEST_F(values, copies_of_json_are_deep) {
-  const vrnvar_shared source = filled(vrn_type::json);
-  members_of(*source).at(1)->value.copy_from(filled(vrn_type::json).get());
-  const vrnvar_shared copy = var_none();
-  copy->copy_from(source.get());
-  const std::string expected = "json:{key=string:inner}{=json:{key=string:inner}{=json:}}";
-  EXPECT_EQ(shown(*copy), expected);
-  EXPECT_EQ(members_of(*copy).find("key"), members_of(*copy).at(0));
-  members_of(*copy).at(0)->value.set_int(1);
-  members_of(members_of(*copy).at(1)->value).clear();
-  EXPECT_EQ(shown(*source), expected);
-}
-
-TEST_F(values, copies_of_what_hangs_on_the_target) {
+TEST_F(value_test, copies_of_what_hangs_on_the_target) {
   const vrnvar_shared value = empty(vrn_type::json);
   vrnvar& member = members_of(*value).add("a")->value;
   member.set_type(vrn_type::json);
   members_of(member).add("b")->value.set_string("text");
   value->copy_from(&member);
   EXPECT_EQ(shown(*value), "json:{b=string:text}");
+  // The other way round, the member has become an empty json by the time it is copied.
+  members_of(*value).at(0)->value.copy_from(value.get());
+  EXPECT_EQ(shown(*value), "json:{b=json:{b=json:}}");
+  members_of(*value).at(0)->value.set_string("text");
   value->copy_from(&members_of(*value).at(0)->value);
   value->set_string(value->string_text().substr(1));
   EXPECT_EQ(shown(*value), "string:ext");
-
-  // The other way round, the member has become an empty json by the time it is copied.
-  value->set_type(vrn_type::json);
-  vrnvar& inner = members_of(*value).add("c")->value;
-  inner.copy_from(value.get());
-  EXPECT_EQ(shown(*value), "json:{c=json:{c=json:}}");
 
   const vrnvar_shared outer = empty(vrn_type::class_);
   callable(*outer).members = {filled(vrn_type::class_), var_int(1), var_int(2)};
@@ -235,7 +204,7 @@ TEST_F(values, copies_of_what_hangs_on_the_target) {
   EXPECT_EQ(shown(*ref), "int:5");
 }
 
-TEST_F(values, copied_class_claims_the_slot_of_its_source) {
+TEST_F(value_test, copied_class_claims_the_slot_of_its_source) {
   const vrnvar_shared pooled = filled(vrn_type::class_);
   vrnvar_shared unpooled;
   std::thread([&unpooled] { unpooled = filled(vrn_type::class_); }).join();
@@ -251,27 +220,7 @@ TEST_F(values, copied_class_claims_the_slot_of_its_source) {
   }
 }
 
-TEST_F(values, handles_count) {
-  vrnvar_shared first = var_int(1);
-  vrnvar_shared value = first;
-  EXPECT_EQ(value->refcount, 2U);
-  value = std::move(first);
-  vrnvar_shared& same = value;
-  value = same;
-  value = std::move(same);
-  EXPECT_EQ(value->refcount, 1U);
-  const vrnvar_shared ref = var_none();
-  ref->set_ref(value);
-  const vrnvar_shared copy = var_none();
-  copy->copy_from(ref.get());
-  EXPECT_EQ(value->refcount, 3U);
-  EXPECT_EQ(copy.deref().get(), value.get());
-  EXPECT_EQ(value.deref().get(), value.get());
-  EXPECT_FALSE(vrnvar_shared().deref());
-  EXPECT_FALSE(empty(vrn_type::ref).deref());
-}
-
-TEST_F(values, circles_of_refs) {
+TEST_F(value_test, circles_of_refs) {
   // Each ref's target by its number; the start is ref 0.
   const std::vector<std::size_t> circles[] = {{0},    {1, 0},       {1, 2, 3, 0},
                                               {1, 1}, {1, 2, 3, 1}, {1, 2, 3, 4, 5, 6, 7, 8, 9, 8}};
@@ -286,10 +235,13 @@ TEST_F(values, circles_of_refs) {
     // A circle through the start ends with the ref before it, any other one at any of its refs.
     EXPECT_TRUE(targets.back() == 0 ? end.get() == refs.back().get() : end->type == vrn_type::ref);
     for (auto& ref : refs) ref->set_type(vrn_type::none);
+    EXPECT_EQ(refs[0].deref().get(), refs[0].get());
   }
+  EXPECT_FALSE(vrnvar_shared().deref());
+  EXPECT_FALSE(empty(vrn_type::ref).deref());
 }
 
-TEST_F(values, long_chains_and_deep_nests) {
+TEST_F(value_test, long_chains_and_deep_nests) {
   const std::vector<vrn_type> cycles[] = {{vrn_type::ref},
                                           {vrn_type::json},
                                           {vrn_type::class_},
@@ -318,26 +270,14 @@ TEST_F(values, long_chains_and_deep_nests) {
   }
 }
 
-TEST_F(values, made_and_dropped_on_other_threads) {
-  vrnvar_shared made;
-  std::thread([&made] { made = filled(vrn_type::json); }).join();
+TEST_F(value_test, made_on_a_thread_without_an_interpreter) {
+  std::vector<vrnvar_shared> made;
+  std::thread([&made] {
+    for (const vrn_type type : types) made.push_back(filled(type));
+  }).join();
   EXPECT_EQ(live(), 0U);
-  EXPECT_EQ(made->slot & made->as<vrnvar_ptr_json>()->slot & members_of(*made).at(0)->value.slot,
-            255);
-  made = {};
-  for (const bool has_interpreter : {false, true}) {
-    std::vector<vrnvar_shared> mine;
-    for (const vrn_type type : types) mine.push_back(filled(type));
-    const std::uint64_t before = live();
-    std::thread([has_interpreter, mine = std::move(mine)]() mutable {
-      std::optional<test::script_host> own;
-      if (has_interpreter) own.emplace();
-      mine.clear();
-    }).join();
-    EXPECT_EQ(live(), before);
-    host_.script.tick();
-    EXPECT_EQ(live(), 0U);
-  }
+  for (const auto& value : made) EXPECT_EQ(value->slot, 255);
+  made.clear();
   EXPECT_EQ(errors(), strings());
 }
 
