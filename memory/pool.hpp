@@ -212,12 +212,12 @@ class vrn_pool_threadsafe final : public vrn_pool<T, Chunk> {
   // Releases an object on any thread; `own` is the pool of the calling thread's interpreter.
   static void release(T* object, vrn_pool_threadsafe* own) noexcept {
     vrn_pool_base* owner = region::of(object)->owner.load(std::memory_order_relaxed);
-    if (owner && owner == own) [[likely]] {
-      own->give_back(object);
-    } else if (owner) {
-      static_cast<vrn_pool_threadsafe*>(owner)->queue(object);
+    if (!owner) return heap::give_back(object);
+    auto& home = static_cast<vrn_pool_threadsafe&>(*owner);
+    if (&home == own) {
+      home.give_back(object);
     } else {
-      heap::give_back(object);
+      home.queue(object);
     }
   }
 

@@ -117,27 +117,6 @@ TEST_F(limits_test, many_of_everything) {
   EXPECT_EQ(outcome(repeated("print(1) /* \n */ ;\n", count)), repeated("1\n", count));
 }
 
-TEST_F(limits_test, argument_counts_of_the_built_in_functions) {
-  const std::vector<std::string> names[] = {
-      {"rand"},
-      {"vtype", "sleep", "sin",   "cos", "tan", "asin", "acos",  "atan", "sqrt",  "abs",
-       "floor", "ceil",  "round", "exp", "log", "log2", "log10", "cbrt", "fract", "sign"},
-      {"pow", "atan2"},
-      {"clamp", "lerp", "smoothstep"}};
-  const auto called = [this](const std::string& name, int count) {
-    return outcome(name + "(" + repeated("1,", count) + ")");
-  };
-  for (int count = 0; count < 4; ++count) {
-    for (const std::string& name : names[count]) {
-      EXPECT_EQ(called(name, count + 1), "*** Too many arguments for function " + name);
-      if (count == 0) continue;
-      EXPECT_EQ(called(name, count - 1), "*** Not enough arguments for function " + name);
-    }
-  }
-  EXPECT_EQ(called("max", 999), "");
-  EXPECT_EQ(called("max", 1000), "*** Too many arguments for function max");
-}
-
 TEST_F(limits_test, strings_that_are_too_long) {
   const vrn_native half = [](vrn_vm_context&, std::vector<vrnvar_shared>&) {
     return var_string(std::string((std::size_t{1} << 27), 'x'));
