@@ -71,7 +71,7 @@ std::string functions(std::size_t count) {
   std::string script;
   for (std::size_t k = 0; k < count; ++k) {
     const std::string name = "run" + std::to_string(k);
-    script += name + "(a, b) { a + b * 2 }\nx = " + name + "(1, 2);\n";
+    script.append(name).append("(a, b) { a + b * 2 }\nx = ").append(name).append("(1, 2);\n");
   }
   return script;
 }
