@@ -59,9 +59,12 @@ class value_test : public testing::Test {
 
 TEST_F(value_test, every_type_becomes_every_type) {
   for (int pair = 0; pair < 12 * 12; ++pair) {
-    const auto from = static_cast<vrn_type>(pair / 12), to = static_cast<vrn_type>(pair % 12);
+    const auto from = static_cast<vrn_type>(pair / 12);
+    const auto to = static_cast<vrn_type>(pair % 12);
     SCOPED_TRACE(std::string(type_name(from)) + " to " + std::string(type_name(to)));
-    const vrnvar_shared source = filled(to), changed = filled(from), copy = filled(from);
+    const vrnvar_shared source = filled(to);
+    const vrnvar_shared changed = filled(from);
+    const vrnvar_shared copy = filled(from);
     changed->marker = copy->marker = 1;
     changed->set_type(to);
     copy->copy_from(source.get());
