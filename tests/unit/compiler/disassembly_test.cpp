@@ -39,14 +39,8 @@ const example examples[] = {
      "load_value a; push 1; load_value b; mul; push 1; load_value c; push 1; load_value d; div; "
      "add"},
     {"-a + b", "load_value a; push 1; load_value b; add; negate"},
-    {"a - -b", "load_value a; push 1; load_value b; negate; sub"},
 
     // Numbers, and the minus signs that become part of them.
-    {"7; 007; 1.5; .5f; fe; .5.3",
-     "load_int 7; load_int 7; load_float 1.500000; load_float 0.500000; load_float 0.000000; "
-     "load_float 0.500000"},
-    {"99999999999999999999; -99999999999999999999; 0x10",
-     "load_int 9223372036854775807; load_int -9223372036854775807; load_value 0x10"},
     {"-5; -2.5; -(5); -f; - -5",
      "load_int -5; load_float -2.500000; load_int -5; load_float -0.000000; load_int -5; negate"},
     {"-2 + 5; -\"2\"; 1e2; 1E2",
