@@ -1,27 +1,46 @@
 #include "frontend/bracket_map.hpp"
 
 #include <array>
-#include <string_view>
+#include <cstdint>
 
 #include "frontend/report.hpp"
 
 namespace vorn {
+namespace {
+
+enum class side : std::uint8_t { none, opening, closing };
+
+struct bracket {
+  side which = side::none;
+  std::uint8_t shape = 0;  // the position of its counter in the order in which they are looked at
+};
+
+constexpr std::array<char, 3> openers = {'(', '[', '{'};
+
+constexpr std::array<bracket, 128> brackets = [] {
+  std::array<bracket, 128> table{};
+  table['('] = {side::opening, 0};
+  table['['] = {side::opening, 1};
+  table['{'] = {side::opening, 2};
+  table[')'] = {side::closing, 0};
+  table[']'] = {side::closing, 1};
+  table['}'] = {side::closing, 2};
+  return table;
+}();
+
+}  // namespace
 
 vrn_bracket_map::vrn_bracket_map(std::span<const vrn_token> tokens) : tokens_(tokens) {
-  constexpr std::string_view openers = "([{";
-  constexpr std::string_view closers = ")]}";
   std::array<std::vector<std::size_t>, 3> open;  // positions in pairs_
 
   for (std::size_t i = 0; i < tokens.size(); ++i) {
-    const char bracket = punctuation(*tokens[i]);
-    if (bracket == '\0') continue;
-    if (const std::size_t shape = openers.find(bracket); shape != std::string_view::npos) {
+    const auto [which, shape] = brackets[static_cast<std::size_t>(punctuation(*tokens[i]))];
+    if (which == side::none) continue;
+    if (which == side::opening) {
       open[shape].push_back(pairs_.size());
       pairs_.push_back({i});
       continue;
     }
-    const std::size_t shape = closers.find(bracket);
-    if (shape == std::string_view::npos) continue;
     if (open[shape].empty()) {
       stray_ = i;  // no search gets further
       return;
@@ -29,7 +48,6 @@ vrn_bracket_map::vrn_bracket_map(std::span<const vrn_token> tokens) : tokens_(to
     const std::size_t closed = open[shape].back();
     open[shape].pop_back();
     pairs_[closed].closer = i;
-    // Shapes are in the order in which they are looked at.
     for (std::size_t other = shape; other-- > 0;) {
       if (!open[other].empty() && open[other].back() > closed) {
         pairs_[closed].still_open = openers[other];

@@ -22,7 +22,7 @@ namespace vorn {
 
 // The character of a one-character symbol, or 0.
 inline char punctuation(const vrn_src_token& token) {
-  return token.kind == vrn_token_kind::symbol && token.text.size() == 1 ? token.text.front() : '\0';
+  return token.symbol < 0x80 ? static_cast<char>(token.symbol) : '\0';
 }
 
 class vrn_bracket_map {

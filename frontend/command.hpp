@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "frontend/token.hpp"
@@ -17,40 +18,52 @@ enum class vrn_command_kind : std::uint32_t {
   loop = 4,         // tokens: for ( ) { }
 };
 
-struct vrn_src_command;
-using vrn_command = vrn_ref<vrn_src_command>;
-using vrn_command_list = std::vector<vrn_command>;
-
-// Holds no line ends. The bodies of conditionals and loops are brace groups, also when the script
-// has a single statement there; a body that is missing altogether has no token.
+// Where a command's tokens lie in its map. They hold no line ends. The bodies of conditionals and
+// loops are brace groups, also when the script has a single statement there; a body that is missing
+// altogether has no token.
 struct vrn_src_command {
   vrn_command_kind kind = vrn_command_kind::ordinary;
-  std::uint32_t reference_count = 0;
-  std::vector<vrn_command_list> groups;  // one for each group token, in order
-  std::vector<vrn_token> tokens;
-
-  const vrn_command_list& group(const vrn_src_token& token) const { return groups[token.command]; }
+  std::uint32_t first = 0;
+  std::uint32_t last = 0;
 };
 
-inline void release_last(vrn_src_command* command) noexcept { vrn_block_store::destroy(command); }
-
-// A source file's commands. Shares the token map, which the tokens point into.
-struct vrn_src_command_map {
-  std::shared_ptr<vrn_src_token_view> source;
-  vrn_block_store store;  // of the commands and the group tokens
-  vrn_command_list commands;
+// Where a list of commands lies in its map.
+struct vrn_command_list {
+  std::uint32_t first = 0;
+  std::uint32_t last = 0;
 };
 
-// What the parser reads: the tokens [first, last) of a command.
+// What the parser reads: the tokens [first, last) of a command. Positions are those in the map.
 struct vrn_src_command_view {
-  const vrn_src_command* command;
+  const vrn_token* tokens;
   std::uint32_t first;
   std::uint32_t last;
 
   std::uint32_t size() const { return last - first; }
-  const vrn_token& token(std::uint32_t position) const { return command->tokens[position]; }
+  const vrn_token& token(std::uint32_t position) const { return tokens[position]; }
   const vrn_token& front() const { return token(first); }
   const vrn_token& back() const { return token(last - 1); }
+};
+
+// A source file's commands. Shares the token map, whose text the tokens point into. What belongs
+// together lies side by side: the tokens of a command, the commands of a list.
+struct vrn_src_command_map {
+  std::shared_ptr<vrn_src_token_view> source;
+  vrn_block_store store;  // of the group tokens
+  std::vector<vrn_token> tokens;
+  std::vector<vrn_src_command> commands;
+  std::vector<vrn_command_list> groups;  // by the number that a group token carries
+  vrn_command_list top;
+
+  std::span<const vrn_src_command> commands_of(const vrn_command_list& list) const {
+    return std::span(commands).subspan(list.first, list.last - list.first);
+  }
+  std::span<const vrn_src_command> group(const vrn_src_token& token) const {
+    return commands_of(groups[token.command]);
+  }
+  vrn_src_command_view view(const vrn_src_command& command) const {
+    return {tokens.data(), command.first, command.last};
+  }
 };
 
 }  // namespace vorn

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "frontend/bracket_map.hpp"
@@ -29,11 +30,12 @@ inline bool is_continuation(std::span<const vrn_token> tokens, std::size_t at) {
          tokens[at + 1]->kind == vrn_token_kind::end_of_line;
 }
 
-// Goes through its tokens once, from the first to the last. A builder whose operation has returned
-// false has reported why, and is of no further use.
+// Goes through its tokens once, from the first to the last, and moves those that are part of a
+// command to the map. A builder whose operation has returned false has reported why, and is of no
+// further use.
 class vrn_command_builder {
  public:
-  vrn_command_builder(vrn_src_command_map& map, std::span<const vrn_token> tokens)
+  vrn_command_builder(vrn_src_command_map& map, std::span<vrn_token> tokens)
       : map_(map), tokens_(tokens), brackets_(tokens) {}
 
   // Builds all commands up to the position `end`.
@@ -47,18 +49,18 @@ class vrn_command_builder {
   bool build_loop(std::size_t end, vrn_enclosing enclosing, vrn_src_command& command);
 
   // Build a part of a command: a keyword and the "(" group that has to follow it; a body; a
-  // bracketed group. The command's tokens are collected in `scratch_`.
-  bool build_header(std::size_t end, vrn_src_command& command);
-  bool build_body(std::size_t end, vrn_enclosing enclosing, vrn_src_command& command);
-  bool build_group(std::size_t end, vrn_src_command& command);
+  // bracketed group.
+  bool build_header(std::size_t end);
+  bool build_body(std::size_t end, vrn_enclosing enclosing);
+  bool build_group(std::size_t end);
 
-  // Where the line of a define ends, or that of the last line that a backslash continues.
-  std::size_t end_of_line(std::size_t end) const;
+  // Where the line of a define whose body begins at `at` ends, or that of the last line that a
+  // backslash continues.
+  std::size_t end_of_line(std::size_t at, std::size_t end) const;
 
-  // Adds a token that stands for the next of the command's groups.
-  void add_group_token(vrn_enclosing shape, const vrn_src_token& first,
-                       const vrn_src_command& command);
-  void take_token() { scratch_.push_back(tokens_[at_++]); }
+  // Adds a token that stands for a new group, which is empty so far; gives the group's position.
+  std::size_t add_group(vrn_enclosing shape, const vrn_src_token& first);
+  void take_token() { open_tokens_.push_back(std::move(tokens_[at_++])); }
   // Whether the token here is part of no command.
   bool at_line_end() const {
     return is_line_end(*tokens_[at_]) || (in_define_ && is_continuation(tokens_, at_));
@@ -70,7 +72,7 @@ class vrn_command_builder {
       take_token();
     }
   }
-  // Moves the tokens collected since `first` into the command.
+  // Moves the open tokens from `first` on to the map, as those of the command.
   void finish(vrn_src_command& command, std::size_t first);
 
   void skip_line_ends(std::size_t end);
@@ -79,13 +81,15 @@ class vrn_command_builder {
   bool at_symbol(std::size_t end, char symbol);
 
   vrn_src_command_map& map_;
-  std::span<const vrn_token> tokens_;
+  std::span<vrn_token> tokens_;
   vrn_bracket_map brackets_;
   std::uint32_t depth_ = 0;  // of the brackets and bodies being built
   bool in_define_ = false;
   std::size_t at_ = 0;
-  // The tokens of the commands being built, one command's behind those of the one around it.
-  std::vector<vrn_token> scratch_;
+  // The tokens of the commands and the commands of the lists being built, those of the inner ones
+  // behind the outer ones'.
+  std::vector<vrn_token> open_tokens_;
+  std::vector<vrn_src_command> open_commands_;
 };
 
 }  // namespace vorn

@@ -21,20 +21,34 @@ vrn_token_kind group_kind(vrn_enclosing shape) {
                                      static_cast<std::uint32_t>(shape));
 }
 
+// Moves what a stack holds from `first` on to the end of a list.
+template <class T>
+void move_rest(std::vector<T>& stack, std::size_t first, std::vector<T>& list) {
+  const auto begin = stack.begin() + static_cast<std::ptrdiff_t>(first);
+  list.insert(list.end(), std::make_move_iterator(begin), std::make_move_iterator(stack.end()));
+  stack.resize(first);
+}
+
+std::uint32_t size_of(const auto& list) { return static_cast<std::uint32_t>(list.size()); }
+
 }  // namespace
 
 bool vrn_command_builder::build_list(std::size_t end, vrn_enclosing enclosing,
                                      vrn_command_list& list) {
+  const std::size_t outer = open_commands_.size();
   for (skip_line_ends(end); at_ < end; skip_line_ends(end)) {
     const vrn_src_token& first = *tokens_[at_];
     if (is_closer(punctuation(first))) {
       report_cannot_parse_token(first, first.text);
       return false;
     }
-    vrn_command command = map_.store.make<vrn_src_command>();
-    if (!build_command(end, enclosing, *command)) return false;
-    if (!command->tokens.empty()) list.push_back(std::move(command));
+    vrn_src_command command;
+    if (!build_command(end, enclosing, command)) return false;
+    if (command.first != command.last) open_commands_.push_back(command);
   }
+  list.first = size_of(map_.commands);
+  move_rest(open_commands_, outer, map_.commands);
+  list.last = size_of(map_.commands);
   return true;
 }
 
@@ -55,7 +69,7 @@ bool vrn_command_builder::build_command(std::size_t end, vrn_enclosing enclosing
 
 bool vrn_command_builder::build_ordinary(std::size_t end, vrn_enclosing enclosing,
                                          vrn_src_command& command) {
-  const std::size_t first = scratch_.size();
+  const std::size_t first = open_tokens_.size();
   for (bool complete = false; !complete && at_ < end;) {
     const vrn_src_token& token = *tokens_[at_];
     const char symbol = punctuation(token);
@@ -64,7 +78,7 @@ bool vrn_command_builder::build_ordinary(std::size_t end, vrn_enclosing enclosin
       ++at_;
       complete = true;
     } else if (is_opener(symbol)) {
-      if (!build_group(end, command)) return false;
+      if (!build_group(end)) return false;
       complete = symbol == '{' && enclosing == vrn_enclosing::brace;
     } else {
       take_or_skip();
@@ -74,7 +88,7 @@ bool vrn_command_builder::build_ordinary(std::size_t end, vrn_enclosing enclosin
   return true;
 }
 
-bool vrn_command_builder::build_group(std::size_t end, vrn_src_command& command) {
+bool vrn_command_builder::build_group(std::size_t end) {
   const vrn_src_token& opener = *tokens_[at_];
   const std::size_t closer = brackets_.find_closer(at_, end);
   if (closer == vrn_bracket_map::none) return false;
@@ -85,26 +99,34 @@ bool vrn_command_builder::build_group(std::size_t end, vrn_src_command& command)
   }
 
   const vrn_enclosing shape = shape_of(opener.text.front());
-  add_group_token(shape, opener, command);
+  const std::size_t group = add_group(shape, opener);
   vrn_command_list list;
   ++at_;
   if (!build_list(closer, shape, list)) return false;
-  command.groups.push_back(std::move(list));
+  map_.groups[group] = list;
   at_ = closer + 1;
   return true;
 }
 
-void vrn_command_builder::add_group_token(vrn_enclosing shape, const vrn_src_token& first,
-                                          const vrn_src_command& command) {
-  scratch_.push_back(map_.store.make<vrn_src_token>(
-      vrn_src_token{group_kind(shape), first.line, first.column, first.index, first.text,
-                    first.source, static_cast<std::uint32_t>(command.groups.size())}));
+std::size_t vrn_command_builder::add_group(vrn_enclosing shape, const vrn_src_token& first) {
+  const std::size_t group = map_.groups.size();
+  map_.groups.emplace_back();
+  open_tokens_.push_back(map_.store.make<vrn_src_token>(vrn_src_token{
+      .text = first.text,
+      .source = first.source,
+      .line = first.line,
+      .column = first.column,
+      .index = first.index,
+      .kind = group_kind(shape),
+      .command = static_cast<std::uint32_t>(group),
+  }));
+  return group;
 }
 
 void vrn_command_builder::finish(vrn_src_command& command, std::size_t first) {
-  const auto begin = scratch_.begin() + static_cast<std::ptrdiff_t>(first);
-  command.tokens.assign(std::make_move_iterator(begin), std::make_move_iterator(scratch_.end()));
-  scratch_.erase(begin, scratch_.end());
+  command.first = size_of(map_.tokens);
+  move_rest(open_tokens_, first, map_.tokens);
+  command.last = size_of(map_.tokens);
 }
 
 void vrn_command_builder::skip_line_ends(std::size_t end) {
@@ -124,9 +146,9 @@ bool vrn_command_builder::at_symbol(std::size_t end, char symbol) {
 std::shared_ptr<vrn_src_command_map> create_command_map(std::shared_ptr<vrn_src_token_view> view) {
   auto map = std::make_shared<vrn_src_command_map>();
   map->source = std::move(view);
-  const std::vector<vrn_token>& tokens = map->source->tokens;
+  std::vector<vrn_token> tokens = std::exchange(map->source->tokens, {});
   vrn_command_builder builder(*map, tokens);
-  if (!builder.build_list(tokens.size(), vrn_enclosing::brace, map->commands)) return nullptr;
+  if (!builder.build_list(tokens.size(), vrn_enclosing::brace, map->top)) return nullptr;
   return map;
 }
 

@@ -12,13 +12,13 @@ namespace vorn {
 bool vrn_command_builder::build_conditional(std::size_t end, vrn_enclosing enclosing,
                                             vrn_src_command& command) {
   command.kind = vrn_command_kind::conditional;
-  const std::size_t first = scratch_.size();
+  const std::size_t first = open_tokens_.size();
   while (true) {
-    if (!build_header(end, command) || !build_body(end, enclosing, command)) return false;
+    if (!build_header(end) || !build_body(end, enclosing)) return false;
     if (!at_word(end, "else")) break;
     take_token();
     if (at_word(end, "if")) continue;
-    if (!build_body(end, enclosing, command)) return false;
+    if (!build_body(end, enclosing)) return false;
     break;
   }
   finish(command, first);
@@ -28,35 +28,36 @@ bool vrn_command_builder::build_conditional(std::size_t end, vrn_enclosing enclo
 bool vrn_command_builder::build_loop(std::size_t end, vrn_enclosing enclosing,
                                      vrn_src_command& command) {
   command.kind = vrn_command_kind::loop;
-  const std::size_t first = scratch_.size();
-  if (!build_header(end, command) || !build_body(end, enclosing, command)) return false;
+  const std::size_t first = open_tokens_.size();
+  if (!build_header(end) || !build_body(end, enclosing)) return false;
   finish(command, first);
   return true;
 }
 
-bool vrn_command_builder::build_header(std::size_t end, vrn_src_command& command) {
+bool vrn_command_builder::build_header(std::size_t end) {
   const vrn_src_token& keyword = *tokens_[at_];
   take_token();
   if (!at_symbol(end, '(')) {
     report_expected_parentheses(keyword, keyword.text);
     return false;
   }
-  return build_group(end, command);
+  return build_group(end);
 }
 
 // A body of one statement becomes a group of one command, as deep as the header's, which has been
 // found not too deep. A missing body adds nothing; the parser reports it.
-bool vrn_command_builder::build_body(std::size_t end, vrn_enclosing enclosing,
-                                     vrn_src_command& command) {
-  if (at_symbol(end, '{')) return build_group(end, command);
+bool vrn_command_builder::build_body(std::size_t end, vrn_enclosing enclosing) {
+  if (at_symbol(end, '{')) return build_group(end);
   if (at_ == end) return true;
   const nesting_level level(depth_);
   const vrn_src_token& first = *tokens_[at_];
-  vrn_command body = map_.store.make<vrn_src_command>();
-  if (!build_command(end, enclosing, *body)) return false;
-  if (body->tokens.empty()) return true;
-  add_group_token(vrn_enclosing::brace, first, command);
-  command.groups.push_back({std::move(body)});
+  vrn_src_command body;
+  if (!build_command(end, enclosing, body)) return false;
+  if (body.first == body.last) return true;
+  const std::size_t group = add_group(vrn_enclosing::brace, first);
+  const auto position = static_cast<std::uint32_t>(map_.commands.size());
+  map_.commands.push_back(body);
+  map_.groups[group] = {position, position + 1};
   return true;
 }
 

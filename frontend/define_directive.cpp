@@ -11,15 +11,16 @@
 namespace vorn {
 namespace {
 
-void log_define(std::span<const vrn_token> texts) {
-  if (!get_log().enabled(vrn_log_level::verbose)) return;
+// Empty when nobody is going to see it.
+std::string define_line(std::span<const vrn_token> texts) {
+  if (!get_log().enabled(vrn_log_level::verbose)) return {};
   std::string line = "DEF";
   for (std::size_t at = 0; at < texts.size(); ++at) {
     if (!is_line_end(*texts[at]) && !is_continuation(texts, at)) {
       line.append(" ").append(texts[at]->text);
     }
   }
-  log_line(vrn_log_level::verbose, line);
+  return line;
 }
 
 }  // namespace
@@ -34,16 +35,17 @@ bool vrn_command_builder::build_define(std::size_t end, vrn_src_command& command
     return false;
   }
   command.kind = vrn_command_kind::define;
-  const std::size_t first = scratch_.size();
+  const std::size_t first = open_tokens_.size();
   at_ += 2;
+  const std::size_t line_end = end_of_line(at_ + 1, end);
+  const std::string line = define_line(tokens_.subspan(at_, line_end - at_));
   take_token();
-  const std::size_t line_end = end_of_line(end);
   const bool is_outermost = !std::exchange(in_define_, true);
   while (at_ < line_end) {
     const vrn_src_token& token = *tokens_[at_];
     const char symbol = punctuation(token);
     if (is_opener(symbol)) {
-      if (!build_group(line_end, command)) return false;
+      if (!build_group(line_end)) return false;
     } else if (is_closer(symbol)) {
       report_cannot_parse_token(token, token.text);
       return false;
@@ -53,14 +55,13 @@ bool vrn_command_builder::build_define(std::size_t end, vrn_src_command& command
   }
   if (is_outermost) in_define_ = false;
   finish(command, first);
-  log_define(tokens_.subspan(sign + 2, line_end - sign - 2));
+  log_line(vrn_log_level::verbose, line);
   return true;
 }
 
 // A define among the groups of another's body ends with that one's line, which is where they end.
-std::size_t vrn_command_builder::end_of_line(std::size_t end) const {
+std::size_t vrn_command_builder::end_of_line(std::size_t at, std::size_t end) const {
   if (in_define_) return end;
-  std::size_t at = at_;
   while (at < end &&
          (tokens_[at]->kind != vrn_token_kind::end_of_line || is_continuation(tokens_, at - 1))) {
     ++at;

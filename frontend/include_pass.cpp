@@ -107,9 +107,12 @@ class include_pass {
   // The end of a file ends its last line, also one that a backslash continues.
   void end_last_line(vrn_src_token_view& view) {
     const std::size_t end = view.text.size();
-    const vrn_src_token mark{
-        vrn_token_kind::end_of_line,     static_cast<std::int32_t>(view.lines.size()), 0,
-        static_cast<std::uint32_t>(end), std::string_view(view.text).substr(end),      &view};
+    const vrn_src_token mark{.text = std::string_view(view.text).substr(end),
+                             .source = &view,
+                             .line = static_cast<std::int32_t>(view.lines.size()),
+                             .column = 0,
+                             .index = static_cast<std::uint32_t>(end),
+                             .kind = vrn_token_kind::end_of_line};
     while (spliced_.back()->kind != vrn_token_kind::end_of_line ||
            (spliced_.size() > 1 && spliced_[spliced_.size() - 2]->is_symbol("\\"))) {
       spliced_.push_back(view.store.make<vrn_src_token>(mark));

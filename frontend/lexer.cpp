@@ -1,7 +1,9 @@
 #include "frontend/lexer.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstring>
 #include <string_view>
 
 #include <vornscript/log.hpp>
@@ -175,25 +177,26 @@ class lexer {
 
   // Comments are read by bytes, so that a stray lead byte swallows neither a line end nor the
   // comment's end.
-  void skip_comment_byte() { advance(1, continues_character(*at_) ? 0 : 1); }
 
   void skip_line_comment() {
-    while (at_ < end_ && *at_ != '\n') skip_comment_byte();
+    // The line ends here, so its column is not needed any more.
+    at_ += std::min(rest().find('\n'), rest().size());
   }
 
   bool skip_block_comment() {
     const mark start = here();
-    advance(2, 2);
-    while (!rest().starts_with("*/")) {
-      if (at_ == end_) {
-        report_unterminated_comment(place(start));
-        return false;
-      }
-      const bool ends_line = *at_ == '\n';
-      skip_comment_byte();
-      if (ends_line) begin_line();
+    const std::size_t length = rest().substr(2).find("*/");
+    if (length == std::string_view::npos) {
+      report_unterminated_comment(place(start));
+      return false;
     }
-    advance(2, 2);
+    const char* const end = at_ + 2 + length + 2;
+    while (const void* line_end = std::memchr(at_, '\n', static_cast<std::size_t>(end - at_))) {
+      at_ = static_cast<const char*>(line_end) + 1;
+      begin_line();
+    }
+    column_ += count_characters({at_, end});
+    at_ = end;
     return true;
   }
 
@@ -279,6 +282,8 @@ class lexer {
     if (next.value == '#') has_directives_ = true;
     advance(length, length);
     add_token_from(start, vrn_token_kind::symbol, space_before_);
+    vrn_src_token& symbol = *view_.tokens.back();
+    symbol.symbol = symbol_code(symbol.text);
   }
 
   void add_token_from(const mark& start, vrn_token_kind kind, bool space_before) {
@@ -288,8 +293,14 @@ class lexer {
 
   void add_token(vrn_token_kind kind, const mark& start, std::string_view text, bool space_before) {
     view_.tokens.push_back(view_.store.make<vrn_src_token>(vrn_src_token{
-        kind, static_cast<std::int32_t>(start.line), start.column,
-        static_cast<std::uint32_t>(start.at - begin_), text, &view_, 0, 0, space_before}));
+        .text = text,
+        .source = &view_,
+        .line = static_cast<std::int32_t>(start.line),
+        .column = start.column,
+        .index = static_cast<std::uint32_t>(start.at - begin_),
+        .kind = kind,
+        .space_before = space_before,
+    }));
   }
 
   vrn_src_place place(const mark& start) const {

@@ -14,28 +14,34 @@
 
 namespace vorn {
 
-enum class vrn_token_kind : std::uint32_t {
+enum class vrn_token_kind : std::uint8_t {
 #define VRN_TOKEN_KIND(number, name) name = number,
 #include "frontend/token_kinds.def"
 #undef VRN_TOKEN_KIND
 };
 
+// A symbol of one or two characters as one number, the first character lowest.
+constexpr std::uint16_t symbol_code(std::string_view spelling) {
+  const auto first = static_cast<unsigned char>(spelling[0]);
+  const auto second = static_cast<unsigned char>(spelling.size() > 1 ? spelling[1] : '\0');
+  return static_cast<std::uint16_t>(first | second << 8);
+}
+
 struct vrn_src_token_view;
 
 struct vrn_src_token {
-  vrn_token_kind kind;
-  std::int32_t line;      // from 1; a string's is the line of its closing quote
-  std::uint32_t column;   // of the first character, from 0, in code points
-  std::uint32_t index;    // byte offset in the source text
   std::string_view text;  // lies in the view's text
   const vrn_src_token_view* source;
-  std::uint32_t command = 0;  // of a group token: its position in the command's groups
-  std::uint32_t reference_count = 0;
+  std::int32_t line;     // from 1; a string's is the line of its closing quote
+  std::uint32_t column;  // of the first character, from 0, in code points
+  std::uint32_t index;   // byte offset in the source text
+  vrn_token_kind kind;
   bool space_before = false;  // never set on numbers, strings and groups
+  std::uint16_t symbol = 0;   // its code; 0 when the token is no symbol
+  std::uint32_t command = 0;  // of a group token: its position among the groups
+  std::uint32_t reference_count = 0;
 
-  bool is_symbol(std::string_view spelling) const {
-    return kind == vrn_token_kind::symbol && text == spelling;
-  }
+  bool is_symbol(std::string_view spelling) const { return symbol == symbol_code(spelling); }
   bool is_word(std::string_view spelling) const {
     return kind == vrn_token_kind::word && text == spelling;
   }

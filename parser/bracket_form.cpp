@@ -22,7 +22,9 @@ std::uint32_t find_symbol(const vrn_src_command_view& range, std::string_view sy
   return at;
 }
 
-bool is_ordinary(const vrn_command& command) { return command->kind == vrn_command_kind::ordinary; }
+bool is_ordinary(const vrn_src_command& command) {
+  return command.kind == vrn_command_kind::ordinary;
+}
 
 }  // namespace
 
@@ -57,7 +59,7 @@ vrn_node vrn_parser::parse_index(const vrn_src_command_view& range, std::uint32_
   for (std::uint32_t at = first_index; at < range.last; ++at) {
     if (!is_bracket(range.token(at))) return fail(report_invalid_after_bracket, range.front());
   }
-  const vrn_command_list& list = range.command->group(*range.back());
+  const vrn_command_span list = commands_.group(*range.back());
   if (expressions_in(list) > 1) return fail(report_too_many_expressions, range.front());
   auto entry = ast_.make<vrn_ast_node_json_literal>(range.front());
   entry->key = parse_before_group(range, first_index);
@@ -70,10 +72,10 @@ vrn_node vrn_parser::parse_index(const vrn_src_command_view& range, std::uint32_
 
 vrn_node vrn_parser::parse_initializer_list(const vrn_src_command_view& range) {
   auto node = ast_.make<vrn_ast_node_initializer_list>(range.front());
-  for (const vrn_command& command : range.command->group(*range.front())) {
-    if (command->kind == vrn_command_kind::define) {
+  for (const vrn_src_command& command : commands_.group(*range.front())) {
+    if (command.kind == vrn_command_kind::define) {
       add_define(command);
-    } else if (!parse_initializer_entries(whole(*command), node->entries)) {
+    } else if (!parse_initializer_entries(commands_.view(command), node->entries)) {
       return fail(report_cannot_parse_initializer_list, range.front());
     }
   }
@@ -84,12 +86,12 @@ vrn_node vrn_parser::parse_initializer_list(const vrn_src_command_view& range) {
 // Entries stand between commas; "=" parts an entry's key from its value.
 bool vrn_parser::parse_initializer_entries(vrn_src_command_view range,
                                            std::vector<std::vector<vrn_node>>& entries) {
-  for (const std::uint32_t end = range.last;; range = {range.command, range.last + 1, end}) {
+  for (const std::uint32_t end = range.last;; range = {range.tokens, range.last + 1, end}) {
     range.last = find_symbol(range, ",");
     const std::uint32_t sign = find_symbol(range, "=");
     std::vector<vrn_node>& entry = entries.emplace_back();
     if (sign < range.last) {
-      if (!parse_into({range.command, range.first, sign}, entry)) return false;
+      if (!parse_into({range.tokens, range.first, sign}, entry)) return false;
       range.first = sign + 1;
     }
     if (!parse_into(range, entry)) return false;
@@ -101,15 +103,15 @@ vrn_node vrn_parser::parse_function_def(const vrn_src_command_view& range) {
   const std::uint32_t group = range.last - 2;
   if (group == range.first) return fail(report_unknown_token_in_def, range.token(group));
   auto node = ast_.make<vrn_ast_node_function_def>(range.token(group - 1));
-  if (!parse_def_words({range.command, range.first, group}, *node)) return {};
-  for (const vrn_command& command : range.command->group(*range.token(group))) {
+  if (!parse_def_words({range.tokens, range.first, group}, *node)) return {};
+  for (const vrn_src_command& command : commands_.group(*range.token(group))) {
     auto param = parse_param(command);
     if (!param) return {};
     node->params.push_back(std::move(param));
   }
-  const vrn_command_list& body = range.command->group(*range.back());
+  const vrn_command_span body = commands_.group(*range.back());
   if (const vrn_src_command* const failed = parse_list(body, node->body)) {
-    return fail(report_cannot_parse_function_body, failed->tokens.front());
+    return fail(report_cannot_parse_function_body, commands_.view(*failed).front());
   }
   return node;
 }
@@ -132,20 +134,21 @@ bool vrn_parser::parse_def_words(const vrn_src_command_view& range,
 }
 
 // A name, or a name, "=" and a default value.
-vrn_ref<vrn_ast_node_function_def_param> vrn_parser::parse_param(const vrn_command& command) {
-  const std::vector<vrn_token>& tokens = command->tokens;
-  const bool named = is_ordinary(command) && tokens[0]->kind == vrn_token_kind::word &&
-                     (tokens.size() == 1 || tokens[1]->is_symbol("="));
+vrn_ref<vrn_ast_node_function_def_param> vrn_parser::parse_param(const vrn_src_command& command) {
+  const vrn_src_command_view range = commands_.view(command);
+  const vrn_token& name = range.front();
+  const bool named = is_ordinary(command) && name->kind == vrn_token_kind::word &&
+                     (range.size() == 1 || range.token(range.first + 1)->is_symbol("="));
   if (!named) {
-    fail(report_invalid_parameters, tokens[0]);
+    fail(report_invalid_parameters, name);
     return {};
   }
-  auto param = ast_.make<vrn_ast_node_function_def_param>(tokens[0]);
-  param->name = tokens[0];
-  if (tokens.size() == 1) return param;
-  param->default_value = parse({command.get(), 2, static_cast<std::uint32_t>(tokens.size())});
+  auto param = ast_.make<vrn_ast_node_function_def_param>(name);
+  param->name = name;
+  if (range.size() == 1) return param;
+  param->default_value = parse({range.tokens, range.first + 2, range.last});
   if (param->default_value) return param;
-  fail(report_cannot_parse_default, tokens[0]);
+  fail(report_cannot_parse_default, name);
   return {};
 }
 
@@ -158,7 +161,7 @@ vrn_node vrn_parser::parse_struct(const vrn_src_command_view& range) {
   }
   if (is_class) log_line(vrn_log_level::log, "class def!");
   auto node = ast_.make<vrn_ast_node_class_def>(range.token(range.last - 2));
-  const vrn_command_list& body = range.command->group(*range.back());
+  const vrn_command_span body = commands_.group(*range.back());
   if (parse_list(body, node->entries)) return fail(report_cannot_parse_class_body, first);
   return node;
 }
@@ -168,10 +171,12 @@ vrn_node vrn_parser::parse_call(const vrn_src_command_view& range) {
   auto node = ast_.make<vrn_ast_node_function_call>(first);
   node->callee = parse_before_group(range, range.last);
   if (!node->callee) return fail(report_cannot_parse_call, first);
-  for (const vrn_command& command : range.command->group(*range.back())) {
+  const vrn_command_span arguments = commands_.group(*range.back());
+  node->params.reserve(arguments.size());
+  for (const vrn_src_command& command : arguments) {
     if (!is_ordinary(command)) return fail(report_invalid_arguments, first, first->text);
-    auto param = ast_.make<vrn_ast_node_function_call_param>(command->tokens.front());
-    param->value = parse(whole(*command));
+    auto param = ast_.make<vrn_ast_node_function_call_param>(commands_.view(command).front());
+    param->value = parse(commands_.view(command));
     if (!param->value) return fail(report_cannot_parse_argument, first);
     node->params.push_back(std::move(param));
   }

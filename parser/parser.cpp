@@ -16,7 +16,7 @@ namespace {
 constexpr std::uint64_t replacements_max = 1'000'000;
 constexpr std::uint64_t replaced_tokens_max = 32'000'000;
 
-bool is_define(const vrn_command& command) { return command->kind == vrn_command_kind::define; }
+bool is_define(const vrn_src_command& command) { return command.kind == vrn_command_kind::define; }
 
 bool consists_of(std::string_view text, std::string_view characters) {
   return text.find_first_not_of(characters) == std::string_view::npos;
@@ -34,11 +34,7 @@ keyword keyword_of(const vrn_src_token& token) {
 
 }  // namespace
 
-vrn_src_command_view whole(const vrn_src_command& command) {
-  return {&command, 0, static_cast<std::uint32_t>(command.tokens.size())};
-}
-
-std::size_t expressions_in(const vrn_command_list& list) {
+std::size_t expressions_in(vrn_command_span list) {
   return list.size() - static_cast<std::size_t>(std::count_if(list.begin(), list.end(), is_define));
 }
 
@@ -59,10 +55,12 @@ vrn_node vrn_parser::fail_loudly(vrn_reporter reporter, const vrn_token& at) {
   return {};
 }
 
-bool vrn_parser::parse_program(const vrn_command_list& commands) {
+bool vrn_parser::parse_program() {
+  const vrn_command_span commands = commands_.commands_of(commands_.top);
+  ast_.nodes.reserve(commands.size());
   const vrn_src_command* const failed = parse_list(commands, ast_.nodes);
   if (!failed) return true;
-  const vrn_token& first = failed->tokens.front();
+  const vrn_token& first = commands_.view(*failed).front();
   fail(report_cannot_parse_command, first, first->text);
   return false;
 }
@@ -141,14 +139,12 @@ vrn_node vrn_parser::parse_word(const vrn_token& token) {
   return ast_.make<vrn_ast_node_variable>(token);
 }
 
-void vrn_parser::add_define(const vrn_command& command) {
-  defines_[command->tokens.front()->text].command = command;
+void vrn_parser::add_define(const vrn_src_command& command) {
+  defines_[commands_.view(command).front()->text].command = command;
 }
 
 vrn_node vrn_parser::replace_define(define& found, const vrn_token& token) {
-  // The body may hold a define of its own name, so it is held here.
-  const vrn_command command = found.command;
-  vrn_src_command_view body = whole(*command);
+  vrn_src_command_view body = commands_.view(found.command);
   ++body.first;
   replaced_tokens_ += body.size();
   if (++replacements_ > replacements_max || replaced_tokens_ > replaced_tokens_max) {
@@ -162,13 +158,13 @@ vrn_node vrn_parser::replace_define(define& found, const vrn_token& token) {
 }
 
 vrn_node vrn_parser::parse_paren_group(const vrn_src_command_view& range) {
-  const vrn_command_list& list = range.command->group(*range.front());
+  const vrn_command_span list = commands_.group(*range.front());
   if (expressions_in(list) > 1) return fail(report_too_many_expressions, range.front());
   return parse_only(list);
 }
 
 vrn_node vrn_parser::parse_brace_group(const vrn_src_command_view& range) {
-  const vrn_command_list& list = range.command->group(*range.front());
+  const vrn_command_span list = commands_.group(*range.front());
   const auto expressions = expressions_in(list);
   auto block = ast_.make<vrn_ast_node_sub_block>(range.front());
   if (expressions <= 1) block->body = parse_only(list);
@@ -176,25 +172,24 @@ vrn_node vrn_parser::parse_brace_group(const vrn_src_command_view& range) {
   return block;
 }
 
-vrn_node vrn_parser::parse_only(const vrn_command_list& list) {
+vrn_node vrn_parser::parse_only(vrn_command_span list) {
   vrn_node node;
-  for (const vrn_command& command : list) {
+  for (const vrn_src_command& command : list) {
     if (is_define(command)) {
       add_define(command);
     } else {
-      node = parse(whole(*command));
+      node = parse(commands_.view(command));
     }
   }
   return node;
 }
 
-const vrn_src_command* vrn_parser::parse_list(const vrn_command_list& list,
-                                              std::vector<vrn_node>& nodes) {
-  for (const vrn_command& command : list) {
+const vrn_src_command* vrn_parser::parse_list(vrn_command_span list, std::vector<vrn_node>& nodes) {
+  for (const vrn_src_command& command : list) {
     if (is_define(command)) {
       add_define(command);
-    } else if (!parse_into(whole(*command), nodes)) {
-      return command.get();
+    } else if (!parse_into(commands_.view(command), nodes)) {
+      return &command;
     }
   }
   return nullptr;
@@ -203,7 +198,7 @@ const vrn_src_command* vrn_parser::parse_list(const vrn_command_list& list,
 std::shared_ptr<vrn_ast> create_ast(const vrn_src_command_map& commands) {
   auto ast = std::make_shared<vrn_ast>();
   ast->source = commands.source;
-  return vrn_parser(*ast).parse_program(commands.commands) ? ast : nullptr;
+  return vrn_parser(commands, *ast).parse_program() ? ast : nullptr;
 }
 
 }  // namespace vorn

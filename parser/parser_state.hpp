@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -24,21 +25,22 @@ namespace vorn {
 using vrn_reporter = void (*)(const vrn_src_token&);
 using vrn_operand_reporter = void (*)(const vrn_src_token&, std::string_view);
 
-vrn_src_command_view whole(const vrn_src_command& command);
+// A list of commands.
+using vrn_command_span = std::span<const vrn_src_command>;
 
 // How many commands of a list are no defines.
-std::size_t expressions_in(const vrn_command_list& list);
+std::size_t expressions_in(vrn_command_span list);
 
 class vrn_parser {
  public:
-  explicit vrn_parser(vrn_ast& ast) : ast_(ast) {}
+  vrn_parser(const vrn_src_command_map& commands, vrn_ast& ast) : commands_(commands), ast_(ast) {}
 
   // Whether all commands could be parsed; their nodes become the tree's top level.
-  bool parse_program(const vrn_command_list& commands);
+  bool parse_program();
 
  private:
   struct define {
-    vrn_command command;
+    vrn_src_command command;
     bool in_use = false;  // being expanded just now
   };
 
@@ -60,13 +62,13 @@ class vrn_parser {
   vrn_node parse_word(const vrn_token& token);
   vrn_node parse_paren_group(const vrn_src_command_view& range);
   vrn_node parse_brace_group(const vrn_src_command_view& range);
-  void add_define(const vrn_command& command);
+  void add_define(const vrn_src_command& command);
   vrn_node replace_define(define& found, const vrn_token& token);
   // The commands of a list in order, defines taken in on the way. Gives the command that gave no
   // node, which ends it; null when there is none.
-  const vrn_src_command* parse_list(const vrn_command_list& list, std::vector<vrn_node>& nodes);
+  const vrn_src_command* parse_list(vrn_command_span list, std::vector<vrn_node>& nodes);
   // The one expression among a list's commands.
-  vrn_node parse_only(const vrn_command_list& list);
+  vrn_node parse_only(vrn_command_span list);
 
   // expression.cpp: assignments and operators
   static std::optional<std::uint32_t> find_sign(const vrn_src_command_view& range);
@@ -96,7 +98,7 @@ class vrn_parser {
                                  std::vector<std::vector<vrn_node>>& entries);
   vrn_node parse_function_def(const vrn_src_command_view& range);
   bool parse_def_words(const vrn_src_command_view& range, vrn_ast_node_function_def& node);
-  vrn_ref<vrn_ast_node_function_def_param> parse_param(const vrn_command& command);
+  vrn_ref<vrn_ast_node_function_def_param> parse_param(const vrn_src_command& command);
   vrn_node parse_struct(const vrn_src_command_view& range);
   vrn_node parse_call(const vrn_src_command_view& range);
 
@@ -116,6 +118,7 @@ class vrn_parser {
   // Reports whatever has been reported before.
   vrn_node fail_loudly(vrn_reporter reporter, const vrn_token& at);
 
+  const vrn_src_command_map& commands_;
   vrn_ast& ast_;
   bool failed_ = false;  // the error flag
   std::uint32_t depth_ = 0;

@@ -41,11 +41,11 @@ bool vrn_parser::parse_branch(const vrn_src_command_view& range, std::uint32_t a
                               vrn_ast_condition_branch& branch) {
   const vrn_token& keyword = range.token(at);
   if (!has_group(range, at + 1, vrn_token_kind::group_paren) ||
-      expressions_in(range.command->group(*range.token(at + 1))) != 1) {
+      expressions_in(commands_.group(*range.token(at + 1))) != 1) {
     fail(report_invalid_condition, keyword);
     return false;
   }
-  branch.condition = parse_only(range.command->group(*range.token(at + 1)));
+  branch.condition = parse_only(commands_.group(*range.token(at + 1)));
   if (!branch.condition) {
     fail(report_cannot_parse_condition, keyword);
     return false;
@@ -57,7 +57,7 @@ bool vrn_parser::parse_branch(const vrn_src_command_view& range, std::uint32_t a
 bool vrn_parser::parse_body(const vrn_src_command_view& range, std::uint32_t at,
                             const vrn_token& keyword, std::vector<vrn_node>& body) {
   if (has_group(range, at, vrn_token_kind::group_brace) &&
-      !parse_list(range.command->group(*range.token(at)), body)) {
+      !parse_list(commands_.group(*range.token(at)), body)) {
     return true;
   }
   fail(report_cannot_parse_conditional_block, keyword);
@@ -82,7 +82,7 @@ bool vrn_parser::parse_loop_header(const vrn_src_command_view& range, vrn_ast_no
   if (!has_group(range, range.first + 1, vrn_token_kind::group_paren)) {
     return failed(report_invalid_for_condition);
   }
-  const vrn_command_list& header = range.command->group(*range.token(range.first + 1));
+  const vrn_command_span header = commands_.group(*range.token(range.first + 1));
   const std::size_t count = expressions_in(header);
   if (count == 0) return failed(report_loop_needs_condition);
   if (count > 3) return failed(report_invalid_for_condition);
@@ -100,7 +100,7 @@ bool vrn_parser::parse_loop_header(const vrn_src_command_view& range, vrn_ast_no
 // A return needs a value.
 vrn_node vrn_parser::parse_return(const vrn_src_command_view& range) {
   auto node = ast_.make<vrn_ast_node_return>(range.front());
-  node->value = parse({range.command, range.first + 1, range.last});
+  node->value = parse({range.tokens, range.first + 1, range.last});
   return node->value ? node : fail(report_cannot_parse_return, range.front());
 }
 
