@@ -40,7 +40,7 @@ bool vrn_code_generator::compile_native_call(vrn_program_block_routine& block,
   const auto found = functions.find(name);
   if (found == functions.end()) return report_node(node, report_cannot_resolve_call);
   const vrn_ref<vrn_std_function>& function = found->second;
-  const auto count = static_cast<std::uint32_t>(node.params.size());
+  const std::uint32_t count = node.param_count;
   if (count < function->min_arguments) {
     return report_node(node, report_not_enough_arguments, name);
   }
@@ -55,9 +55,10 @@ bool vrn_code_generator::compile_native_call(vrn_program_block_routine& block,
 bool vrn_code_generator::compile_arguments(vrn_program_block_routine& block,
                                            const vrn_ast_node_function_call& node,
                                            vrn_opcode store) {
-  for (std::uint32_t i = 0; i < node.params.size(); ++i) {
-    if (!compile(block, *node.params[i]->value)) return false;
-    emit(block, store, i);
+  std::uint32_t position = 0;
+  for (const auto* param = node.params.get(); param; param = param->next.get()) {
+    if (!compile(block, *param->value)) return false;
+    emit(block, store, position++);
   }
   return true;
 }

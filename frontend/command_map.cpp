@@ -1,6 +1,5 @@
 #include "frontend/command_map.hpp"
 
-#include <iterator>
 #include <utility>
 
 #include "frontend/command_builder.hpp"
@@ -24,8 +23,7 @@ vrn_token_kind group_kind(vrn_enclosing shape) {
 // Moves what a stack holds from `first` on to the end of a list.
 template <class T>
 void move_rest(std::vector<T>& stack, std::size_t first, std::vector<T>& list) {
-  const auto begin = stack.begin() + static_cast<std::ptrdiff_t>(first);
-  list.insert(list.end(), std::make_move_iterator(begin), std::make_move_iterator(stack.end()));
+  for (std::size_t at = first; at < stack.size(); ++at) list.push_back(std::move(stack[at]));
   stack.resize(first);
 }
 
@@ -147,6 +145,7 @@ std::shared_ptr<vrn_src_command_map> create_command_map(std::shared_ptr<vrn_src_
   auto map = std::make_shared<vrn_src_command_map>();
   map->source = std::move(view);
   std::vector<vrn_token> tokens = std::exchange(map->source->tokens, {});
+  map->tokens.reserve(tokens.size());
   vrn_command_builder builder(*map, tokens);
   if (!builder.build_list(tokens.size(), vrn_enclosing::brace, map->top)) return nullptr;
   return map;

@@ -85,7 +85,7 @@ class lexer {
       : view_(view), begin_(view.text.data()), at_(begin_), end_(begin_ + view.text.size()) {}
 
   vrn_scan run() {
-    view_.tokens.reserve(view_.text.size() / 8);
+    view_.tokens.reserve(view_.text.size() / 2);
     view_.lines.push_back(0);
     while (at_ < end_) {
       if (!read_token()) return {};
@@ -118,6 +118,19 @@ class lexer {
     if (!wanted(next.value)) return false;
     advance(next.length);
     return true;
+  }
+
+  template <class Wanted>
+  void take_while(Wanted wanted) {
+    const char* at = at_;
+    std::uint32_t columns = 0;
+    for (; at < end_; ++columns) {
+      const code_point next = read_code_point(at, end_);
+      if (!wanted(next.value)) break;
+      at += next.length;
+    }
+    at_ = at;
+    column_ += columns;
   }
 
   bool read_token() {
@@ -245,11 +258,11 @@ class lexer {
   // After a leading zero; a prefix needs no digits.
   bool read_prefixed_digits() {
     if (take_if([](std::uint32_t value) { return value == 'x' || value == 'X'; })) {
-      while (take_if(is_hexadecimal_digit)) continue;
+      take_while(is_hexadecimal_digit);
     } else if (take_if([](std::uint32_t value) { return value == 'b' || value == 'B'; })) {
-      while (take_if(is_binary_digit)) continue;
+      take_while(is_binary_digit);
     } else if (take_if([](std::uint32_t value) { return value == 'o' || value == 'O'; })) {
-      while (take_if(is_octal_digit)) continue;
+      take_while(is_octal_digit);
     } else {
       return false;
     }
@@ -258,20 +271,20 @@ class lexer {
 
   // A leading "." is deliberately not counted as the literal's one ".".
   void read_decimal_rest(const mark& start) {
-    while (take_if(is_digit)) continue;
+    take_while(is_digit);
     if (take_if([](std::uint32_t value) { return value == '.'; })) {
-      while (take_if(is_digit)) continue;
+      take_while(is_digit);
     }
     if (take_if([](std::uint32_t value) { return value == 'f' || value == 'F'; })) return;
     if (!take_if([](std::uint32_t value) { return value == 'e' || value == 'E'; })) return;
     take_if([](std::uint32_t value) { return value == '+' || value == '-'; });
     if (!take_if(is_digit)) report_malformed_exponent(place(start));
-    while (take_if(is_digit)) continue;
+    take_while(is_digit);
   }
 
   void read_word() {
     const mark start = here();
-    while (take_if(is_word_part)) continue;
+    take_while(is_word_part);
     add_token_from(start, vrn_token_kind::word, space_before_);
   }
 

@@ -1,7 +1,6 @@
-// The operators of two characters. All other punctuation is a symbol of one character.
+// The operators, all of two characters. Other punctuation is a symbol of one character.
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -22,8 +21,7 @@ class operator_set {
       std::size_t slot = hash(spelling) % slot_count;
       while (!slots_[slot].empty()) slot = (slot + 1) % slot_count;
       slots_[slot] = spelling;
-      shortest_ = std::min(shortest_, spelling.size());
-      longest_ = std::max(longest_, spelling.size());
+      is_last_[static_cast<unsigned char>(spelling.back())] = true;
     }
   }
 
@@ -35,12 +33,10 @@ class operator_set {
     return false;
   }
 
-  // The length of the longest operator that the text starts with, 0 for none.
+  // The length of the operator that the text starts with, 0 for none.
   constexpr std::size_t match(std::string_view text) const {
-    for (std::size_t length = std::min(longest_, text.size()); length >= shortest_; --length) {
-      if (contains(text.substr(0, length))) return length;
-    }
-    return 0;
+    if (text.size() < 2 || !is_last_[static_cast<unsigned char>(text[1])]) return 0;
+    return contains(text.substr(0, 2)) ? 2 : 0;
   }
 
  private:
@@ -56,8 +52,7 @@ class operator_set {
   }
 
   std::array<std::string_view, slot_count> slots_{};
-  std::size_t shortest_ = SIZE_MAX;
-  std::size_t longest_ = 0;
+  std::array<bool, 256> is_last_{};  // the characters that operators end in
 };
 
 inline constexpr operator_set operators;

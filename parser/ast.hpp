@@ -111,12 +111,17 @@ struct vrn_ast_node_function_call_param : vrn_ast_node_of<vrn_node_kind::functio
   using vrn_ast_node_of::vrn_ast_node_of;
 
   vrn_node value;
+  vrn_ref<vrn_ast_node_function_call_param> next;
 };
 
 struct vrn_ast_node_function_call : vrn_ast_node_of<vrn_node_kind::function_call_node> {
   using vrn_ast_node_of::vrn_ast_node_of;
+  ~vrn_ast_node_function_call() override {
+    while (params.unique()) params = std::exchange(params->next, {});
+  }
 
-  std::vector<vrn_ref<vrn_ast_node_function_call_param>> params;
+  vrn_ref<vrn_ast_node_function_call_param> params;  // the first, which leads to the next
+  std::uint32_t param_count = 0;
   vrn_node callee;
 };
 

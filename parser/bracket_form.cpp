@@ -16,7 +16,7 @@ bool is_paren(const vrn_token& token) { return token->kind == vrn_token_kind::gr
 bool is_brace(const vrn_token& token) { return token->kind == vrn_token_kind::group_brace; }
 
 // The position of the first such symbol; the range's end when there is none.
-std::uint32_t find_symbol(const vrn_src_command_view& range, std::string_view symbol) {
+std::uint32_t find_symbol(vrn_src_command_view range, std::string_view symbol) {
   std::uint32_t at = range.first;
   while (at < range.last && !range.token(at)->is_symbol(symbol)) ++at;
   return at;
@@ -28,14 +28,13 @@ bool is_ordinary(const vrn_src_command& command) {
 
 }  // namespace
 
-vrn_node vrn_parser::parse_bracket_form(const vrn_src_command_view& range) {
+vrn_node vrn_parser::parse_bracket_form(vrn_src_command_view range) {
   std::uint32_t first_index = range.first + 1;
   while (first_index < range.last && !is_bracket(range.token(first_index))) ++first_index;
   return parse_last_group(range, first_index);
 }
 
-vrn_node vrn_parser::parse_last_group(const vrn_src_command_view& range,
-                                      std::uint32_t first_index) {
+vrn_node vrn_parser::parse_last_group(vrn_src_command_view range, std::uint32_t first_index) {
   if (first_index < range.last) return parse_index(range, first_index);
   const vrn_token& last = range.back();
   if (is_brace(last)) {
@@ -55,7 +54,7 @@ vrn_node vrn_parser::parse_before_group(vrn_src_command_view range, std::uint32_
 }
 
 // Behind the first index nothing but further ones may stand.
-vrn_node vrn_parser::parse_index(const vrn_src_command_view& range, std::uint32_t first_index) {
+vrn_node vrn_parser::parse_index(vrn_src_command_view range, std::uint32_t first_index) {
   for (std::uint32_t at = first_index; at < range.last; ++at) {
     if (!is_bracket(range.token(at))) return fail(report_invalid_after_bracket, range.front());
   }
@@ -70,7 +69,7 @@ vrn_node vrn_parser::parse_index(const vrn_src_command_view& range, std::uint32_
   return node;
 }
 
-vrn_node vrn_parser::parse_initializer_list(const vrn_src_command_view& range) {
+vrn_node vrn_parser::parse_initializer_list(vrn_src_command_view range) {
   auto node = ast_.make<vrn_ast_node_initializer_list>(range.front());
   for (const vrn_src_command& command : commands_.group(*range.front())) {
     if (command.kind == vrn_command_kind::define) {
@@ -99,7 +98,7 @@ bool vrn_parser::parse_initializer_entries(vrn_src_command_view range,
   }
 }
 
-vrn_node vrn_parser::parse_function_def(const vrn_src_command_view& range) {
+vrn_node vrn_parser::parse_function_def(vrn_src_command_view range) {
   const std::uint32_t group = range.last - 2;
   if (group == range.first) return fail(report_unknown_token_in_def, range.token(group));
   auto node = ast_.make<vrn_ast_node_function_def>(range.token(group - 1));
@@ -117,8 +116,7 @@ vrn_node vrn_parser::parse_function_def(const vrn_src_command_view& range) {
 }
 
 // Any number of words; the last one is the name.
-bool vrn_parser::parse_def_words(const vrn_src_command_view& range,
-                                 vrn_ast_node_function_def& node) {
+bool vrn_parser::parse_def_words(vrn_src_command_view range, vrn_ast_node_function_def& node) {
   for (std::uint32_t at = range.first; at < range.last; ++at) {
     const vrn_token& token = range.token(at);
     if (token->kind != vrn_token_kind::word) {
@@ -153,7 +151,7 @@ vrn_ref<vrn_ast_node_function_def_param> vrn_parser::parse_param(const vrn_src_c
 }
 
 // The word in front says what it is; a word before the braces is its name.
-vrn_node vrn_parser::parse_struct(const vrn_src_command_view& range) {
+vrn_node vrn_parser::parse_struct(vrn_src_command_view range) {
   const vrn_token& first = range.front();
   const bool is_class = first->is_word("class");
   if (!is_class && !first->is_word("struct") && !first->is_word("cstruct")) {
@@ -166,19 +164,20 @@ vrn_node vrn_parser::parse_struct(const vrn_src_command_view& range) {
   return node;
 }
 
-vrn_node vrn_parser::parse_call(const vrn_src_command_view& range) {
+vrn_node vrn_parser::parse_call(vrn_src_command_view range) {
   const vrn_token& first = range.front();
   auto node = ast_.make<vrn_ast_node_function_call>(first);
   node->callee = parse_before_group(range, range.last);
   if (!node->callee) return fail(report_cannot_parse_call, first);
-  const vrn_command_span arguments = commands_.group(*range.back());
-  node->params.reserve(arguments.size());
-  for (const vrn_src_command& command : arguments) {
+  auto* place = &node->params;
+  for (const vrn_src_command& command : commands_.group(*range.back())) {
     if (!is_ordinary(command)) return fail(report_invalid_arguments, first, first->text);
     auto param = ast_.make<vrn_ast_node_function_call_param>(commands_.view(command).front());
     param->value = parse(commands_.view(command));
     if (!param->value) return fail(report_cannot_parse_argument, first);
-    node->params.push_back(std::move(param));
+    *place = std::move(param);
+    place = &(*place)->next;
+    ++node->param_count;
   }
   return node;
 }

@@ -26,7 +26,7 @@ bool begins_operator(const vrn_src_token& token) {
 
 // Whether a range of several tokens begins with a sign, which an operator in front of the range had
 // kept from being one.
-bool begins_with_sign(const vrn_src_command_view& range) {
+bool begins_with_sign(vrn_src_command_view range) {
   return is_sign(*range.front()) && !is_sign(*range.token(range.first + 1));
 }
 
@@ -46,7 +46,7 @@ vrn_src_command_view after(vrn_src_command_view range, std::uint32_t position) {
 
 }  // namespace
 
-std::optional<std::uint32_t> vrn_parser::find_sign(const vrn_src_command_view& range) {
+std::optional<std::uint32_t> vrn_parser::find_sign(vrn_src_command_view range) {
   for (std::uint32_t at = range.first; at < range.last; ++at) {
     if (!is_sign(*range.token(at))) continue;
     if (at + 1 < range.last && is_sign(*range.token(at + 1))) continue;
@@ -61,21 +61,18 @@ std::optional<std::uint32_t> vrn_parser::find_sign(const vrn_src_command_view& r
 
 // The tokens before the sign fall into groups at blanks: the last group is the target, the ones
 // before it are keywords.
-bool vrn_parser::parse_target(const vrn_src_command_view& range, std::uint32_t sign) {
+bool vrn_parser::parse_target(vrn_src_command_view range, std::uint32_t sign) {
   const vrn_token& sign_token = range.token(sign);
   if (sign == range.first || sign + 1 == range.last) {
     fail(report_no_value_to_assign, sign_token);
     return false;
   }
   auto node = ast_.make<vrn_ast_node_assign>(sign_token);
-  std::vector<vrn_token> group;
   vrn_src_command_view target = before(range, sign);
-  for (std::uint32_t at = range.first; at < sign; ++at) {
-    if (at > range.first && range.token(at)->space_before) {
-      node->keywords.push_back(std::exchange(group, {}));
-      target.first = at;
-    }
-    group.push_back(range.token(at));
+  for (std::uint32_t at = range.first + 1; at < sign; ++at) {
+    if (!range.token(at)->space_before) continue;
+    node->keywords.emplace_back(range.tokens + target.first, range.tokens + at);
+    target.first = at;
   }
   node->target = parse(target);
   if (!node->target) {
@@ -105,7 +102,7 @@ vrn_node vrn_parser::finish_assigns(std::size_t outer, vrn_node value) {
   return value;
 }
 
-vrn_node vrn_parser::parse_list_addition(const vrn_src_command_view& range, std::uint32_t sign) {
+vrn_node vrn_parser::parse_list_addition(vrn_src_command_view range, std::uint32_t sign) {
   const vrn_token& sign_token = range.token(sign);
   vrn_node target = parse(before(range, sign - 1));
   if (!target) return fail(report_cannot_parse_initializer_list, sign_token);
@@ -116,9 +113,11 @@ vrn_node vrn_parser::parse_list_addition(const vrn_src_command_view& range, std:
   return node;
 }
 
-vrn_node vrn_parser::parse_operators(const vrn_src_command_view& range) {
+vrn_node vrn_parser::parse_operators(vrn_src_command_view range) {
   const std::size_t outer = operators_.size();
-  vrn_node node = parse_split(range, operators_.add(range));
+  const std::uint32_t at = operators_.add(range);
+  if (at == vrn_operator_index::none) return parse_operand(range, at);
+  vrn_node node = parse_split(range, at);
   operators_.remove_from(outer);
   return node;
 }
@@ -139,7 +138,7 @@ vrn_node vrn_parser::parse_split(vrn_src_command_view range, std::uint32_t at) {
   }
 }
 
-void vrn_parser::add_split(const vrn_src_command_view& range, std::uint32_t at) {
+void vrn_parser::add_split(vrn_src_command_view range, std::uint32_t at) {
   const vrn_operator_index::entry& split = operators_[at];
   auto node = ast_.make<vrn_ast_node_binary>(range.token(split.position));
   node->op = node->token->text;
@@ -166,13 +165,13 @@ vrn_node vrn_parser::finish_splits(std::size_t outer, vrn_node side) {
   return side;
 }
 
-bool vrn_parser::is_operand(const vrn_src_command_view& range, std::uint32_t at) const {
+bool vrn_parser::is_operand(vrn_src_command_view range, std::uint32_t at) const {
   if (is_simple(range) || begins_with_sign(range) || at == vrn_operator_index::none) return true;
   const std::uint32_t position = operators_[at].position;
   return position == range.first || position + 1 == range.last;
 }
 
-vrn_node vrn_parser::parse_operand(const vrn_src_command_view& range, std::uint32_t at) {
+vrn_node vrn_parser::parse_operand(vrn_src_command_view range, std::uint32_t at) {
   if (is_simple(range)) return parse_simple(range);
   if (begins_with_sign(range)) return fail(report_no_value_to_assign, range.front());
   if (at == vrn_operator_index::none) return parse_bracket_form(range);
@@ -187,8 +186,7 @@ vrn_node vrn_parser::parse_operand(const vrn_src_command_view& range, std::uint3
   return fail_loudly(report_operator_without_operands, token);
 }
 
-vrn_node vrn_parser::parse_unary(const vrn_src_command_view& range, std::uint32_t at,
-                                 bool postfix) {
+vrn_node vrn_parser::parse_unary(vrn_src_command_view range, std::uint32_t at, bool postfix) {
   const vrn_operator_index::entry split = operators_[at];
   const vrn_token& token = range.token(split.position);
   const vrn_reporter reporter = postfix ? vrn_reporter(report_cannot_parse_postfix_operand)

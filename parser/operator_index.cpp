@@ -43,7 +43,7 @@ std::uint32_t operator_precedence(const vrn_src_token& token) {
   }
 }
 
-std::uint32_t vrn_operator_index::add(const vrn_src_command_view& range) {
+std::uint32_t vrn_operator_index::add(vrn_src_command_view range) {
   std::uint32_t root = none;
   path_.clear();
   for (std::uint32_t position = range.first; position < range.last; ++position) {

@@ -30,7 +30,7 @@ class vrn_operator_index {
   };
 
   // Adds the operators of a range; gives the one it splits at, or none.
-  std::uint32_t add(const vrn_src_command_view& range);
+  std::uint32_t add(vrn_src_command_view range);
 
   // Indexes nest like the expressions do: the inner one is removed before the outer goes on.
   std::size_t size() const { return entries_.size(); }

@@ -18,18 +18,35 @@ constexpr std::uint64_t replaced_tokens_max = 32'000'000;
 
 bool is_define(const vrn_src_command& command) { return command.kind == vrn_command_kind::define; }
 
-bool consists_of(std::string_view text, std::string_view characters) {
-  return text.find_first_not_of(characters) == std::string_view::npos;
-}
-
 enum class keyword { none, if_, else_, for_, return_ };
 
 keyword keyword_of(const vrn_src_token& token) {
-  if (token.is_word("if")) return keyword::if_;
-  if (token.is_word("else")) return keyword::else_;
-  if (token.is_word("for")) return keyword::for_;
-  if (token.is_word("return")) return keyword::return_;
-  return keyword::none;
+  if (token.kind != vrn_token_kind::word) return keyword::none;
+  switch (token.text.size()) {
+    case 2:
+      return token.text == "if" ? keyword::if_ : keyword::none;
+    case 3:
+      return token.text == "for" ? keyword::for_ : keyword::none;
+    case 4:
+      return token.text == "else" ? keyword::else_ : keyword::none;
+    case 6:
+      return token.text == "return" ? keyword::return_ : keyword::none;
+    default:
+      return keyword::none;
+  }
+}
+
+// Numbers are told by their characters alone, deliberately: fe and 1.2.3 are floats.
+vrn_node_kind word_kind(std::string_view text) {
+  auto kind = vrn_node_kind::int_node;
+  for (const char character : text) {
+    if (character >= '0' && character <= '9') continue;
+    if (character != '.' && character != 'f' && character != 'e') {
+      return vrn_node_kind::variable_node;
+    }
+    kind = vrn_node_kind::float_node;
+  }
+  return kind;
 }
 
 }  // namespace
@@ -65,15 +82,17 @@ bool vrn_parser::parse_program() {
   return false;
 }
 
-vrn_node vrn_parser::parse(const vrn_src_command_view& range) {
+vrn_node vrn_parser::parse(vrn_src_command_view range) {
   if (range.size() == 0) return {};
   const nesting_level level(depth_);
   if (level.too_deep()) return fail(report_nesting_too_deep, range.front());
   const std::size_t outer = assigns_.size();
-  return finish_assigns(outer, parse_value(range));
+  vrn_node value = parse_value(range);
+  if (assigns_.size() > outer) value = finish_assigns(outer, std::move(value));
+  return value;
 }
 
-bool vrn_parser::parse_into(const vrn_src_command_view& range, std::vector<vrn_node>& nodes) {
+bool vrn_parser::parse_into(vrn_src_command_view range, std::vector<vrn_node>& nodes) {
   vrn_node node = parse(range);
   if (!node) return false;
   nodes.push_back(std::move(node));
@@ -93,11 +112,11 @@ vrn_node vrn_parser::parse_value(vrn_src_command_view range) {
   }
 }
 
-bool vrn_parser::is_simple(const vrn_src_command_view& range) {
+bool vrn_parser::is_simple(vrn_src_command_view range) {
   return range.size() == 1 || keyword_of(*range.front()) != keyword::none;
 }
 
-vrn_node vrn_parser::parse_simple(const vrn_src_command_view& range) {
+vrn_node vrn_parser::parse_simple(vrn_src_command_view range) {
   const vrn_token& first = range.front();
   switch (keyword_of(*first)) {
     case keyword::if_:
@@ -126,7 +145,6 @@ vrn_node vrn_parser::parse_simple(const vrn_src_command_view& range) {
   }
 }
 
-// Numbers are told by their characters alone, deliberately: fe and 1.2.3 are floats.
 vrn_node vrn_parser::parse_word(const vrn_token& token) {
   if (!defines_.empty()) {
     const auto found = defines_.find(token->text);
@@ -134,9 +152,14 @@ vrn_node vrn_parser::parse_word(const vrn_token& token) {
       return replace_define(found->second, token);
     }
   }
-  if (consists_of(token->text, "0123456789")) return ast_.make<vrn_ast_node_int>(token);
-  if (consists_of(token->text, "0123456789.fe")) return ast_.make<vrn_ast_node_float>(token);
-  return ast_.make<vrn_ast_node_variable>(token);
+  switch (word_kind(token->text)) {
+    case vrn_node_kind::int_node:
+      return ast_.make<vrn_ast_node_int>(token);
+    case vrn_node_kind::float_node:
+      return ast_.make<vrn_ast_node_float>(token);
+    default:
+      return ast_.make<vrn_ast_node_variable>(token);
+  }
 }
 
 void vrn_parser::add_define(const vrn_src_command& command) {
@@ -157,13 +180,13 @@ vrn_node vrn_parser::replace_define(define& found, const vrn_token& token) {
   return node;
 }
 
-vrn_node vrn_parser::parse_paren_group(const vrn_src_command_view& range) {
+vrn_node vrn_parser::parse_paren_group(vrn_src_command_view range) {
   const vrn_command_span list = commands_.group(*range.front());
   if (expressions_in(list) > 1) return fail(report_too_many_expressions, range.front());
   return parse_only(list);
 }
 
-vrn_node vrn_parser::parse_brace_group(const vrn_src_command_view& range) {
+vrn_node vrn_parser::parse_brace_group(vrn_src_command_view range) {
   const vrn_command_span list = commands_.group(*range.front());
   const auto expressions = expressions_in(list);
   auto block = ast_.make<vrn_ast_node_sub_block>(range.front());

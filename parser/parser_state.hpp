@@ -52,16 +52,16 @@ class vrn_parser {
   };
 
   // parser.cpp: commands, single tokens, defines
-  vrn_node parse(const vrn_src_command_view& range);
+  vrn_node parse(vrn_src_command_view range);
   // Adds what a range gives to a list; false when that is nothing.
-  bool parse_into(const vrn_src_command_view& range, std::vector<vrn_node>& nodes);
+  bool parse_into(vrn_src_command_view range, std::vector<vrn_node>& nodes);
   vrn_node parse_value(vrn_src_command_view range);
   // Whether a range begins with a keyword or has one token, and what it gives then.
-  static bool is_simple(const vrn_src_command_view& range);
-  vrn_node parse_simple(const vrn_src_command_view& range);
+  static bool is_simple(vrn_src_command_view range);
+  vrn_node parse_simple(vrn_src_command_view range);
   vrn_node parse_word(const vrn_token& token);
-  vrn_node parse_paren_group(const vrn_src_command_view& range);
-  vrn_node parse_brace_group(const vrn_src_command_view& range);
+  vrn_node parse_paren_group(vrn_src_command_view range);
+  vrn_node parse_brace_group(vrn_src_command_view range);
   void add_define(const vrn_src_command& command);
   vrn_node replace_define(define& found, const vrn_token& token);
   // The commands of a list in order, defines taken in on the way. Gives the command that gave no
@@ -71,46 +71,45 @@ class vrn_parser {
   vrn_node parse_only(vrn_command_span list);
 
   // expression.cpp: assignments and operators
-  static std::optional<std::uint32_t> find_sign(const vrn_src_command_view& range);
+  static std::optional<std::uint32_t> find_sign(vrn_src_command_view range);
   // Adds an assignment, which waits for its value; false on failure.
-  bool parse_target(const vrn_src_command_view& range, std::uint32_t sign);
+  bool parse_target(vrn_src_command_view range, std::uint32_t sign);
   vrn_node finish_assigns(std::size_t outer, vrn_node value);
-  vrn_node parse_list_addition(const vrn_src_command_view& range, std::uint32_t sign);
-  vrn_node parse_operators(const vrn_src_command_view& range);
+  vrn_node parse_list_addition(vrn_src_command_view range, std::uint32_t sign);
+  vrn_node parse_operators(vrn_src_command_view range);
   // A range without an assignment; `at` is the operator it splits at.
   vrn_node parse_split(vrn_src_command_view range, std::uint32_t at);
-  void add_split(const vrn_src_command_view& range, std::uint32_t at);
+  void add_split(vrn_src_command_view range, std::uint32_t at);
   vrn_node finish_splits(std::size_t outer, vrn_node side);
   // Whether a range does not split into two sides, and what it gives then.
-  bool is_operand(const vrn_src_command_view& range, std::uint32_t at) const;
-  vrn_node parse_operand(const vrn_src_command_view& range, std::uint32_t at);
-  vrn_node parse_unary(const vrn_src_command_view& range, std::uint32_t at, bool postfix);
+  bool is_operand(vrn_src_command_view range, std::uint32_t at) const;
+  vrn_node parse_operand(vrn_src_command_view range, std::uint32_t at);
+  vrn_node parse_unary(vrn_src_command_view range, std::uint32_t at, bool postfix);
 
   // bracket_form.cpp: indexes, initializer lists, definitions, calls
-  vrn_node parse_bracket_form(const vrn_src_command_view& range);
+  vrn_node parse_bracket_form(vrn_src_command_view range);
   // `first_index` is the first position behind the front at which an index stands, or the end.
-  vrn_node parse_last_group(const vrn_src_command_view& range, std::uint32_t first_index);
+  vrn_node parse_last_group(vrn_src_command_view range, std::uint32_t first_index);
   // What stands before the last group: what is called or indexed.
   vrn_node parse_before_group(vrn_src_command_view range, std::uint32_t first_index);
-  vrn_node parse_index(const vrn_src_command_view& range, std::uint32_t first_index);
-  vrn_node parse_initializer_list(const vrn_src_command_view& range);
+  vrn_node parse_index(vrn_src_command_view range, std::uint32_t first_index);
+  vrn_node parse_initializer_list(vrn_src_command_view range);
   bool parse_initializer_entries(vrn_src_command_view range,
                                  std::vector<std::vector<vrn_node>>& entries);
-  vrn_node parse_function_def(const vrn_src_command_view& range);
-  bool parse_def_words(const vrn_src_command_view& range, vrn_ast_node_function_def& node);
+  vrn_node parse_function_def(vrn_src_command_view range);
+  bool parse_def_words(vrn_src_command_view range, vrn_ast_node_function_def& node);
   vrn_ref<vrn_ast_node_function_def_param> parse_param(const vrn_src_command& command);
-  vrn_node parse_struct(const vrn_src_command_view& range);
-  vrn_node parse_call(const vrn_src_command_view& range);
+  vrn_node parse_struct(vrn_src_command_view range);
+  vrn_node parse_call(vrn_src_command_view range);
 
   // statement.cpp: conditions, loops, return
-  vrn_node parse_condition(const vrn_src_command_view& range);
-  bool parse_branch(const vrn_src_command_view& range, std::uint32_t at,
-                    vrn_ast_condition_branch& branch);
-  bool parse_body(const vrn_src_command_view& range, std::uint32_t at, const vrn_token& keyword,
+  vrn_node parse_condition(vrn_src_command_view range);
+  bool parse_branch(vrn_src_command_view range, std::uint32_t at, vrn_ast_condition_branch& branch);
+  bool parse_body(vrn_src_command_view range, std::uint32_t at, const vrn_token& keyword,
                   std::vector<vrn_node>& body);
-  vrn_node parse_loop(const vrn_src_command_view& range);
-  bool parse_loop_header(const vrn_src_command_view& range, vrn_ast_node_loop& loop);
-  vrn_node parse_return(const vrn_src_command_view& range);
+  vrn_node parse_loop(vrn_src_command_view range);
+  bool parse_loop_header(vrn_src_command_view range, vrn_ast_node_loop& loop);
+  vrn_node parse_return(vrn_src_command_view range);
 
   // Report, unless an error has been reported before, and set the error flag. Always empty.
   vrn_node fail(vrn_reporter reporter, const vrn_token& at);

@@ -10,14 +10,14 @@ namespace vorn {
 namespace {
 
 // Whether the token at a position, if there is one, is a group of a kind.
-bool has_group(const vrn_src_command_view& range, std::uint32_t at, vrn_token_kind kind) {
+bool has_group(vrn_src_command_view range, std::uint32_t at, vrn_token_kind kind) {
   return at < range.last && range.token(at)->kind == kind;
 }
 
 }  // namespace
 
 // if ( ) { } [else if ( ) { }]... [else { }]
-vrn_node vrn_parser::parse_condition(const vrn_src_command_view& range) {
+vrn_node vrn_parser::parse_condition(vrn_src_command_view range) {
   if (!range.front()->is_word("if")) return fail(report_invalid_condition, range.front());
   auto node = ast_.make<vrn_ast_node_condition>(range.front());
   for (std::uint32_t at = range.first;;) {
@@ -37,7 +37,7 @@ vrn_node vrn_parser::parse_condition(const vrn_src_command_view& range) {
 }
 
 // One "if" with its header and its body.
-bool vrn_parser::parse_branch(const vrn_src_command_view& range, std::uint32_t at,
+bool vrn_parser::parse_branch(vrn_src_command_view range, std::uint32_t at,
                               vrn_ast_condition_branch& branch) {
   const vrn_token& keyword = range.token(at);
   if (!has_group(range, at + 1, vrn_token_kind::group_paren) ||
@@ -54,8 +54,8 @@ bool vrn_parser::parse_branch(const vrn_src_command_view& range, std::uint32_t a
 }
 
 // What follows the keyword of a branch or a loop, and its header.
-bool vrn_parser::parse_body(const vrn_src_command_view& range, std::uint32_t at,
-                            const vrn_token& keyword, std::vector<vrn_node>& body) {
+bool vrn_parser::parse_body(vrn_src_command_view range, std::uint32_t at, const vrn_token& keyword,
+                            std::vector<vrn_node>& body) {
   if (has_group(range, at, vrn_token_kind::group_brace) &&
       !parse_list(commands_.group(*range.token(at)), body)) {
     return true;
@@ -65,7 +65,7 @@ bool vrn_parser::parse_body(const vrn_src_command_view& range, std::uint32_t at,
 }
 
 // for ( ) { }
-vrn_node vrn_parser::parse_loop(const vrn_src_command_view& range) {
+vrn_node vrn_parser::parse_loop(vrn_src_command_view range) {
   auto node = ast_.make<vrn_ast_node_loop>(range.front());
   if (!parse_loop_header(range, *node)) return {};
   if (range.size() > 3) return fail(report_cannot_parse_conditional_block, range.front());
@@ -74,7 +74,7 @@ vrn_node vrn_parser::parse_loop(const vrn_src_command_view& range) {
 }
 
 // The parts of a header, by their number: the condition; the start and the condition; all three.
-bool vrn_parser::parse_loop_header(const vrn_src_command_view& range, vrn_ast_node_loop& loop) {
+bool vrn_parser::parse_loop_header(vrn_src_command_view range, vrn_ast_node_loop& loop) {
   const auto failed = [&](vrn_reporter reporter) {
     fail(reporter, range.front());
     return false;
@@ -98,7 +98,7 @@ bool vrn_parser::parse_loop_header(const vrn_src_command_view& range, vrn_ast_no
 }
 
 // A return needs a value.
-vrn_node vrn_parser::parse_return(const vrn_src_command_view& range) {
+vrn_node vrn_parser::parse_return(vrn_src_command_view range) {
   auto node = ast_.make<vrn_ast_node_return>(range.front());
   node->value = parse({range.tokens, range.first + 1, range.last});
   return node->value ? node : fail(report_cannot_parse_return, range.front());

@@ -39,9 +39,12 @@ class detached_payload {
   detached_payload(detached_payload&& other) noexcept
       : payload_(other.payload_), type_(std::exchange(other.type_, vrn_type::none)) {}
   detached_payload& operator=(detached_payload&&) = delete;
-  ~detached_payload();
+  ~detached_payload() {
+    if (type_ >= vrn_type::primitive_end) let_go();
+  }
 
  private:
+  void let_go() noexcept;
   void release() noexcept;
 
   std::uint64_t payload_ = 0;
@@ -58,8 +61,7 @@ std::vector<detached_payload>& put_aside() {
   return payloads;
 }
 
-detached_payload::~detached_payload() {
-  if (type_ < vrn_type::primitive_end) return;
+void detached_payload::let_go() noexcept {
   // A string releases nothing else.
   if (type_ == vrn_type::string) {
     release();
@@ -188,6 +190,12 @@ void vrnvar::set_type(vrn_type new_type) {
 
 void vrnvar::copy_from(const vrnvar* source) {
   if (!source || source == this) return;
+  if (type < vrn_type::primitive_end && source->type < vrn_type::primitive_end) {
+    marker = 0;
+    payload = source->payload;
+    type = source->type;
+    return;
+  }
   const bool reuse = type == source->type && has_pooled_payload(type);
   // The source may hang on what this value owns, so that is released last.
   const detached_payload old = reuse ? detached_payload() : detached_payload(*this);

@@ -111,7 +111,7 @@ TEST_F(hand_built_tree_test, only_routines_take_code) {
   EXPECT_EQ(count_, 0U);
   const auto ast = parsed("print(1)");
   const auto& call = as<vrn_ast_node_function_call>(*ast->nodes.at(0));
-  EXPECT_EQ(message_of(*root_.main, *call.params.at(0)), "Invalid command type: 7");
+  EXPECT_EQ(message_of(*root_.main, *call.params), "Invalid command type: 7");
 }
 
 TEST_F(hand_built_tree_test, long_trees_are_released) {
