@@ -23,7 +23,7 @@ std::byte* append_record(vrn_program_block_routine& routine, std::size_t size) {
 
 }  // namespace
 
-std::size_t vrn_hasher::operator()(std::string_view name) const noexcept {
+std::size_t vrn_hasher::operator()(std::string_view name) const {
   return static_cast<std::size_t>(XXH3_64bits(name.data(), name.size()));
 }
 

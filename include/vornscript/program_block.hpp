@@ -29,7 +29,9 @@ class vrn_ast;
 // The hash of every table keyed by name: 64-bit XXH3, seed 0, the library's default secret.
 struct vrn_hasher {
   using is_transparent = void;
-  std::size_t operator()(std::string_view name) const noexcept;
+  // Without noexcept, deliberately: GCC's library keeps hashes in the tables of a hasher that may
+  // throw, and else works them out anew while it searches.
+  std::size_t operator()(std::string_view name) const;
 };
 
 struct vrn_transparent_equal {
