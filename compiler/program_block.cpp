@@ -2,6 +2,8 @@
 
 #include <xxhash.h>
 
+#include <array>
+
 #include "compiler/instruction.hpp"
 
 namespace vorn {
@@ -13,12 +15,14 @@ T& made(std::shared_ptr<T>& table) {
   return *table;
 }
 
-// Appends a record of `size` bytes and returns where it begins.
-std::byte* append_record(vrn_program_block_routine& routine, std::size_t size) {
+// Appends a record that consists of these fields.
+template <class... Fields>
+void append_record(vrn_program_block_routine& routine, Fields... fields) {
+  std::array<std::byte, (sizeof fields + ...)> record;
+  std::size_t offset = 0;
+  ((write_field(record.data(), offset, fields), offset += sizeof fields), ...);
   auto& code = made(routine.code);
-  const std::size_t at = code.size();
-  code.resize(at + size);
-  return code.data() + at;
+  code.insert(code.end(), record.begin(), record.end());
 }
 
 }  // namespace
@@ -55,26 +59,19 @@ void vrn_program_block_routine::insert_name(std::string_view name, std::uint32_t
   made(names).insert_or_assign(std::string(name), name_entry{index});
 }
 
-void vrn_program_block_routine::emit(std::uint32_t opcode) {
-  write_field(append_record(*this, 4), 0, opcode);
-}
+void vrn_program_block_routine::emit(std::uint32_t opcode) { append_record(*this, opcode); }
 
 void vrn_program_block_routine::emit(std::uint32_t opcode, std::uint32_t operand) {
-  write_field(append_record(*this, 8), 0, std::uint64_t{operand} << 32 | opcode);
+  append_record(*this, opcode, operand);
 }
 
 void vrn_program_block_routine::emit(std::uint32_t opcode, std::uint64_t operand) {
-  std::byte* const record = append_record(*this, 16);
-  write_field(record, 0, std::uint64_t{opcode});
-  write_field(record, 8, operand);
+  append_record(*this, std::uint64_t{opcode}, operand);
 }
 
 void vrn_program_block_routine::emit(std::uint32_t opcode, std::uint32_t hops, std::uint32_t index,
                                      std::uint64_t cache) {
-  std::byte* const record = append_record(*this, 24);
-  write_field(record, 0, std::uint64_t{hops} << 32 | opcode);
-  write_field(record, 8, std::uint64_t{index});
-  write_field(record, 16, cache);
+  append_record(*this, opcode, hops, std::uint64_t{index}, cache);
 }
 
 vrn_program_block_root::vrn_program_block_root()

@@ -23,8 +23,9 @@ vrn_token_kind group_kind(vrn_enclosing shape) {
 // Moves what a stack holds from `first` on to the end of a list.
 template <class T>
 void move_rest(std::vector<T>& stack, std::size_t first, std::vector<T>& list) {
-  for (std::size_t at = first; at < stack.size(); ++at) list.push_back(std::move(stack[at]));
-  stack.resize(first);
+  const auto begin = stack.begin() + static_cast<std::ptrdiff_t>(first);
+  for (auto each = begin; each != stack.end(); ++each) list.push_back(std::move(*each));
+  stack.erase(begin, stack.end());
 }
 
 std::uint32_t size_of(const auto& list) { return static_cast<std::uint32_t>(list.size()); }
