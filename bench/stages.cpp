@@ -1,11 +1,10 @@
-// Every stage alone, whole loads and runs, and printing, on generated scripts.
-#include <benchmark/benchmark.h>
-
+// Each stage of a load alone.
 #include <memory>
 #include <string>
 
 #include <vornscript/vornscript.hpp>
 
+#include "bench/suite.hpp"
 #include "bench/workload.hpp"
 #include "compiler/code_generator.hpp"
 #include "frontend/command_map.hpp"
@@ -15,113 +14,54 @@
 namespace vorn::bench {
 namespace {
 
-// An interpreter that says nothing.
-struct silent_script {
-  vrnscript script{{.logger = std::make_shared<vrn_log_base>(0U)}};
-  vrn_program_loader loader{script};
-};
-
-std::shared_ptr<vrn_src_token_view> lexed(const std::string& text) {
+std::shared_ptr<vrn_src_token_view> normalised(const std::string& text) {
   auto view = std::make_shared<vrn_src_token_view>();
   view->name = "bench";
   view->text = normalise_source(text);
+  return view;
+}
+
+std::shared_ptr<vrn_src_token_view> lexed(const std::string& text) {
+  auto view = normalised(text);
   tokenize(*view);
   return view;
 }
 
-// Runs `stage` on what `prepare` makes of the script anew for each round, which is not timed.
+// Registers a stage: what it makes of what the stages before it have made of a script.
 template <class Prepare, class Stage>
-void time_stage(benchmark::State& state, Prepare prepare, Stage stage) {
-  silent_script host;
-  const std::string text = arithmetic(static_cast<std::size_t>(state.range(0)));
-  for (auto _ : state) {
-    state.PauseTiming();
-    {
-      auto input = prepare(text);
-      state.ResumeTiming();
-      auto result = stage(host, input);
-      benchmark::DoNotOptimize(result);
-      state.PauseTiming();
-    }
-    state.ResumeTiming();
-  }
-  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
+void add_stage(std::string_view name, Prepare prepare, Stage stage) {
+  add({"stage", name, "ours"}, [prepare, stage](benchmark::State& state) {
+    vrnscript script({.logger = std::make_shared<vrn_log_base>(0U)});
+    const workload& work = find_workload("mixed");
+    const std::string text = work.text(dialect::vornscript, work.size);
+    time_prepared(
+        state, [&] { return prepare(text); },
+        [&](auto& prepared) { return stage(script, prepared); });
+    set_items(state, work.unit, work.size);
+    state.counters["bytes"] = static_cast<double>(text.size());
+    state.counters["tokens"] = static_cast<double>(lexed(text)->tokens.size());
+  });
 }
-
-void lex(benchmark::State& state) {
-  time_stage(
-      state, [](const std::string& text) { return text; },
-      [](silent_script&, const std::string& text) { return lexed(text); });
-}
-BENCHMARK(lex)->Arg(10'000)->Arg(100'000);
-
-void map_commands(benchmark::State& state) {
-  time_stage(state, lexed,
-             [](silent_script&, const auto& view) { return create_command_map(view); });
-}
-BENCHMARK(map_commands)->Arg(10'000)->Arg(100'000);
-
-void parse(benchmark::State& state) {
-  time_stage(
-      state, [](const std::string& text) { return create_command_map(lexed(text)); },
-      [](silent_script&, const auto& commands) { return create_ast(*commands); });
-}
-BENCHMARK(parse)->Arg(10'000)->Arg(100'000);
-
-void generate(benchmark::State& state) {
-  time_stage(
-      state, [](const std::string& text) { return create_ast(*create_command_map(lexed(text))); },
-      [](silent_script& host, const auto& ast) {
-        std::uint32_t count = 0;
-        return create_bytecode(host.script, ast, count);
-      });
-}
-BENCHMARK(generate)->Arg(10'000)->Arg(100'000);
-
-std::string workload(const std::string& name, std::size_t size) {
-  if (name == "arithmetic") return arithmetic(size);
-  if (name == "calls") return calls(size);
-  if (name == "strings") return strings(size, "+");
-  return functions(size);
-}
-
-void load(benchmark::State& state, const std::string& name) {
-  silent_script host;
-  const std::string text = workload(name, static_cast<std::size_t>(state.range(0)));
-  for (auto _ : state) benchmark::DoNotOptimize(host.loader.create_program(text, "bench"));
-  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
-}
-
-void run(benchmark::State& state, const std::string& name) {
-  silent_script host;
-  const std::string text = workload(name, static_cast<std::size_t>(state.range(0)));
-  for (auto _ : state) {
-    state.PauseTiming();
-    {
-      const vrn_program program = host.loader.create_program(text, "bench");
-      const auto task = task_create(program);
-      task_run(*task, 0);
-      state.ResumeTiming();
-      while (task->active) host.script.tick();
-      state.PauseTiming();
-    }
-    state.ResumeTiming();
-  }
-  state.SetItemsProcessed(state.iterations() * host.loader.instruction_count());
-}
-
-const int registered = [] {
-  for (const char* name : {"arithmetic", "calls", "strings", "functions"}) {
-    for (auto* each :
-         {benchmark::RegisterBenchmark((std::string("load/") + name).c_str(), load, name),
-          benchmark::RegisterBenchmark((std::string("run/") + name).c_str(), run, name)}) {
-      each->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
-    }
-  }
-  return 0;
-}();
 
 }  // namespace
-}  // namespace vorn::bench
 
-BENCHMARK_MAIN();
+void add_stages() {
+  add_stage(
+      "normalise", [](const std::string& text) { return text; },
+      [](vrnscript&, std::string& text) { return normalise_source(std::move(text)); });
+  add_stage("lex", normalised, [](vrnscript&, const auto& view) { return tokenize(*view); });
+  add_stage("command_map", lexed,
+            [](vrnscript&, const auto& view) { return create_command_map(view); });
+  add_stage(
+      "parse", [](const std::string& text) { return create_command_map(lexed(text)); },
+      [](vrnscript&, const auto& commands) { return create_ast(*commands); });
+  add_stage(
+      "generate",
+      [](const std::string& text) { return create_ast(*create_command_map(lexed(text))); },
+      [](vrnscript& script, const auto& ast) {
+        std::uint32_t count = 0;
+        return create_bytecode(script, ast, count);
+      });
+}
+
+}  // namespace vorn::bench

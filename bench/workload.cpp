@@ -1,7 +1,7 @@
 #include "bench/workload.hpp"
 
+#include <algorithm>
 #include <cstdint>
-#include <string_view>
 
 namespace vorn::bench {
 namespace {
@@ -13,67 +13,234 @@ class sequence {
     state_ = state_ * 6364136223846793005U + 1442695040888963407U;
     return static_cast<std::size_t>(state_ >> 33) % bound;
   }
-  std::string variable() { return "v" + std::to_string(below(50)); }
-  std::string operand() { return below(10) < 7 ? variable() : std::to_string(1 + below(999)); }
+  template <std::size_t count>
+  std::string_view one_of(const std::string_view (&choices)[count]) {
+    return choices[below(count)];
+  }
 
  private:
   std::uint64_t state_ = 1;
 };
 
-std::string variables() {
-  std::string script;
-  for (int k = 0; k < 50; ++k) {
-    script += "v" + std::to_string(k) + " = " + std::to_string(k) + ";\n";
+constexpr std::size_t variable_count = 50;
+
+// Appends texts and numbers to a script.
+class writer {
+ public:
+  explicit writer(dialect language) : language_(language) {}
+
+  writer& operator<<(std::string_view text) {
+    text_ += text;
+    return *this;
   }
-  return script;
+  writer& operator<<(std::size_t number) { return *this << std::to_string(number); }
+
+  // One of the variables v0, v1, ... that hold whole numbers, and x0, x1, ... that hold floats.
+  writer& variable(std::string_view letter) { return *this << letter << below(variable_count); }
+  writer& whole() { return below(10) < 7 ? variable("v") : *this << 1 + below(999); }
+  writer& number() { return below(10) < 7 ? variable("x") : *this << below(9) << ".25"; }
+  writer& operation() { return *this << random_.one_of({" + ", " - ", " * "}); }
+  writer& function() { return *this << random_.one_of({"sqrt", "floor", "ceil", "abs"}); }
+
+  writer& assign_variables(std::string_view letter, std::string_view fraction) {
+    for (std::size_t k = 0; k < variable_count; ++k) {
+      *this << letter << k << " = " << k << fraction << ";\n";
+    }
+    return *this;
+  }
+
+  std::size_t below(std::size_t bound) { return random_.below(bound); }
+  bool is_lua() const { return language_ == dialect::lua; }
+  std::string_view joining() const { return is_lua() ? " .. " : " + "; }
+  std::string take() { return std::move(text_); }
+
+ private:
+  dialect language_;
+  sequence random_;
+  std::string text_;
+};
+
+using statement = void (*)(writer& script, std::size_t number);
+
+void add_arithmetic(writer& script, std::size_t) {
+  script.variable("v") << " = ";
+  script.whole().operation().whole().operation().whole().operation().whole() << ";\n";
 }
+
+void add_float(writer& script, std::size_t) {
+  script.variable("x") << " = ";
+  script.number().operation().number().operation().number().operation().number() << ";\n";
+}
+
+void add_call(writer& script, std::size_t) {
+  script.variable("x") << " = ";
+  script.function() << "(max(";
+  script.variable("x") << ", min(";
+  script.variable("x") << ", ";
+  script.number() << ")));\n";
+}
+
+void add_string(writer& script, std::size_t) {
+  script.variable("s") << " = \"text " << script.below(100) << "\"" << script.joining();
+  script.variable("v") << ";\n";
+}
+
+void add_mixed(writer& script, std::size_t number) {
+  constexpr statement kinds[] = {add_arithmetic, add_float, add_call, add_arithmetic, add_string};
+  kinds[number % std::size(kinds)](script, number);
+}
+
+void add_name(writer& script, std::size_t number) {
+  script << "name_" << number << " = ";
+  if (number > 0) script << "name_" << number / 2 << " + ";
+  script << number << ";\n";
+}
+
+void add_literal(writer& script, std::size_t number) {
+  script.variable("s") << " = ";
+  if (number % 2 == 0) {
+    script << "\"literal " << number << "\";\n";
+  } else {
+    script << number << ".5;\n";
+  }
+}
+
+// A function that is defined and called once.
+void add_function(writer& script, std::size_t number) {
+  script << (script.is_lua() ? "function " : "") << "run" << number
+         << (script.is_lua() ? "(a, b) return a + b * 2 end\n" : "(a, b) { a + b * 2 }\n");
+  script.variable("v") << " = run" << number << "(1, " << number << ");\n";
+}
+
+void add_builtin_call(writer& script, std::size_t) {
+  script.variable("x") << " = abs(";
+  script.variable("x") << ");\n";
+}
+
+void add_concatenation(writer& script, std::size_t) {
+  script.variable("s") << " = long" << script.below(9) << script.joining() << "long"
+                       << script.below(9) << ";\n";
+}
+
+void add_commented(writer& script, std::size_t number) {
+  constexpr std::string_view words = " what the next statement does, and why it does it ";
+  const std::string_view line = script.is_lua() ? "--" : "//";
+  for (int k = 0; k < 4; ++k) script << line << words << number << "\n";
+  script << (script.is_lua() ? "--[[" : "/***") << words << "\n" << words << "\n";
+  script << words << (script.is_lua() ? "--]]\n" : "***/\n");
+  add_arithmetic(script, number);
+}
+
+void add_define(writer& script, std::size_t number) {
+  script << "#define NAME_" << number << " " << number << " + 1\n";
+  script.variable("v") << " = NAME_" << number / 2 << " * NAME_" << number << ";\n";
+}
+
+template <statement add>
+std::string statements(dialect language, std::size_t count) {
+  writer script(language);
+  script.assign_variables("v", "").assign_variables("x", ".5");
+  for (std::size_t k = 0; k < count; ++k) add(script, k);
+  return script.take();
+}
+
+std::string with_locals(dialect language, std::size_t count) {
+  writer script(language);
+  if (script.is_lua()) {
+    script << "local v0";
+    for (std::size_t k = 1; k < variable_count; ++k) script << ", v" << k;
+    script << "\n";
+  }
+  return script.take() + statements<add_arithmetic>(language, count);
+}
+
+std::string concatenations(dialect language, std::size_t count) {
+  writer script(language);
+  for (std::size_t k = 0; k < 9; ++k) {
+    script << "long" << k << " = \"" << std::string(1000 + k, 'a') << "\";\n";
+  }
+  for (std::size_t k = 0; k < count; ++k) add_concatenation(script, k);
+  return script.take();
+}
+
+std::string expression(dialect language, std::size_t operators) {
+  writer script(language);
+  script.assign_variables("v", "") << "v0 = v1";
+  for (std::size_t k = 0; k < operators; ++k) script.operation().whole();
+  return script.take() + ";\n";
+}
+
+// So many operators, each in brackets of its own: ((v1 + 2) * v3) and so on to the given depth.
+void add_brackets(writer& script, std::size_t depth) {
+  script << "v0 = " << std::string(depth, '(');
+  script.variable("v");
+  for (std::size_t k = 0; k < depth; ++k) script.operation().whole() << ")";
+  script << ";\n";
+}
+
+// A hundred expressions, each as deep as the size says.
+std::string deep_expressions(dialect language, std::size_t depth) {
+  writer script(language);
+  script.assign_variables("v", "");
+  for (int k = 0; k < 100; ++k) add_brackets(script, depth);
+  return script.take();
+}
+
+// Many expressions, almost as deep as a language takes: 1000 levels, in Lua 200.
+std::string brackets(dialect language, std::size_t operators) {
+  writer script(language);
+  script.assign_variables("v", "");
+  const std::size_t depth = script.is_lua() ? 180 : 900;
+  for (; operators > 0; operators -= std::min(operators, depth)) {
+    add_brackets(script, std::min(operators, depth));
+  }
+  return script.take();
+}
+
+std::string includes(dialect language, std::size_t count) {
+  writer script(language);
+  script << "#include";
+  for (std::size_t k = 0; k < count; ++k) script << " \"part" << k << "\"";
+  return script.take() + "\n";
+}
+
+constexpr workload all_workloads[] = {
+    {"arithmetic", "statement", 10'000, statements<add_arithmetic>},
+    {"floats", "statement", 10'000, statements<add_float>},
+    {"calls", "statement", 10'000, statements<add_call>},
+    {"strings", "statement", 10'000, statements<add_string>},
+    {"mixed", "statement", 10'000, statements<add_mixed>},
+    {"names", "name", 10'000, statements<add_name>},
+    {"literals", "literal", 10'000, statements<add_literal>},
+    {"functions", "function", 5'000, statements<add_function>},
+    {"expression", "operator", 100'000, expression},
+    {"brackets", "operator", 100'000, brackets},
+    {"comments", "statement", 10'000, statements<add_commented>},
+    {"includes", "file", 300, includes, false},
+    {"defines", "define", 5'000, statements<add_define>, false},
+    {"depth", "level of 100 expressions", 900, deep_expressions, false},
+    {"built-in_call", "call", 10'000, statements<add_builtin_call>},
+    {"concatenation", "pair of 1000 bytes", 5'000, concatenations},
+    {"locals_in_Lua", "statement", 10'000, with_locals},
+};
 
 }  // namespace
 
-std::string arithmetic(std::size_t statements) {
-  sequence random;
-  std::string script = variables();
-  for (std::size_t k = 0; k < statements; ++k) {
-    script += random.variable() + " = " + random.operand();
-    for (int operands = 0; operands < 3; ++operands) {
-      script += {' ', "+-*"[random.below(3)], ' '};
-      script += random.operand();
-    }
-    script += ";\n";
-  }
-  return script;
+std::span<const workload> workloads() { return all_workloads; }
+
+const workload& find_workload(std::string_view name) {
+  return *std::find_if(std::begin(all_workloads), std::end(all_workloads) - 1,
+                       [name](const workload& each) { return each.name == name; });
 }
 
-std::string calls(std::size_t statements) {
-  sequence random;
-  constexpr std::string_view outer[] = {"sqrt", "floor", "ceil", "abs"};
-  std::string script = variables();
-  for (std::size_t k = 0; k < statements; ++k) {
-    script += random.variable() + " = ";
-    script += outer[random.below(4)];
-    script += "(max(" + random.variable() + ", " + random.operand() + "));\n";
-  }
-  return script;
-}
+std::string included_text() { return statements<add_arithmetic>(dialect::vornscript, 20); }
 
-std::string strings(std::size_t statements, const char* joining) {
-  sequence random;
-  std::string script;
-  for (std::size_t k = 0; k < statements; ++k) {
-    script += random.variable() + " = \"text " + std::to_string(random.below(100)) + "\" ";
-    script += joining;
-    script += " " + std::to_string(random.below(1000)) + ";\n";
-  }
-  return script;
-}
-
-std::string functions(std::size_t count) {
-  std::string script;
+std::string lines(std::string_view function, std::string_view line_end, std::size_t count) {
+  writer script(dialect::vornscript);
   for (std::size_t k = 0; k < count; ++k) {
-    const std::string name = "run" + std::to_string(k);
-    script.append(name).append("(a, b) { a + b * 2 }\nx = ").append(name).append("(1, 2);\n");
+    script << function << "(\"This is line " << k << " of the output." << line_end << "\");\n";
   }
-  return script;
+  return script.take();
 }
 
 }  // namespace vorn::bench

@@ -1,22 +1,31 @@
-// Generated scripts, the same in every run. Each is valid in vornscript and, where that has the
-// same syntax, in Lua.
+// Generated scripts, the same in every run. Each is written in both dialects: for every statement
+// of ours there is one of the peers' that does the same.
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <string>
+#include <string_view>
 
 namespace vorn::bench {
 
-// Assignments of expressions with four operands, over 50 variables.
-std::string arithmetic(std::size_t statements);
+enum class dialect { vornscript, lua };
 
-// Built-in functions called inside each other.
-std::string calls(std::size_t statements);
+struct workload {
+  std::string_view name;
+  std::string_view unit;  // what it has `size` of
+  std::size_t size;
+  std::string (*text)(dialect language, std::size_t size);
+  bool has_peers = true;  // whether it can be written in Lua
+};
 
-// Strings and numbers joined, by the given operator.
-std::string strings(std::size_t statements, const char* joining);
+std::span<const workload> workloads();
+const workload& find_workload(std::string_view name);
 
-// Functions that are defined and called once.
-std::string functions(std::size_t count);
+// What every file holds that the workload "includes" includes.
+std::string included_text();
+
+// A script that writes so many lines by calls of the given function.
+std::string lines(std::string_view function, std::string_view line_end, std::size_t count);
 
 }  // namespace vorn::bench

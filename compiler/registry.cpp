@@ -6,9 +6,9 @@ namespace vorn {
 
 vrnptr_base vrn_registry::enter(void* object, const char* type) {
   if (free_.empty()) {
-    entries_.push_back({object, type, 1});
     // Leaving must not have to allocate.
-    free_.reserve(entries_.capacity());
+    if (free_.capacity() == entries_.size()) free_.reserve(entries_.size() * 2 + 4);
+    entries_.push_back({object, type, 1});
     return {static_cast<std::uint32_t>(entries_.size() - 1), 1};
   }
   const std::uint32_t index = free_.back();

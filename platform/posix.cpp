@@ -96,6 +96,7 @@ void write_error(std::string_view text) noexcept {
 void install_stop_signals() noexcept {
   struct sigaction action {};
   action.sa_handler = handle_stop;
+  action.sa_flags = SA_RESTART;  // or a stream would drop what it is writing
   sigaddset(&action.sa_mask, SIGINT);
   sigaddset(&action.sa_mask, SIGTERM);
   sigaction(SIGINT, &action, nullptr);

@@ -8,6 +8,16 @@
 #include "vm/scheduler.hpp"
 
 namespace vorn {
+namespace {
+
+// Left out when there is no memory for it.
+void tell_of_blocks(std::size_t blocks) noexcept try {
+  log_line(vrn_log_level::error, "The interpreter ends before its programs: ", blocks,
+           " program blocks are still held.");
+} catch (...) {
+}
+
+}  // namespace
 
 void vrn_thread_binding::bind(vrnscript* script) {
   if (current_script) {
@@ -37,10 +47,7 @@ vrnscript::~vrnscript() {
   const vrn_interpreter_lock lock(state_->mutex);
   state_->tasks = {};
   state_->pools.drain();
-  if (const std::size_t blocks = state_->registry->size(); blocks > 0) {
-    log_line(vrn_log_level::error, "The interpreter ends before its programs: ", blocks,
-             " program blocks are still held.");
-  }
+  if (const std::size_t blocks = state_->registry->size(); blocks > 0) tell_of_blocks(blocks);
 }
 
 void vrnscript::tick() {

@@ -34,6 +34,18 @@ terminal() { script --quiet --command "$1" /dev/null </dev/null | tr -d '\r' | m
 expect 'on a terminal' "$coloured"$'\n'"$default" "$(terminal "env -u NO_COLOR '$host'")"
 expect 'on a terminal without colours' "$no_script" "$(terminal "env NO_COLOR= '$host'")"
 
+mkdir test_simple.vrs
+expect 'a folder in its place' 1 "$("$host" | grep -c 'test_simple.vrs is empty')"
+rmdir test_simple.vrs
+
+# Output that goes nowhere is no reason to end otherwise.
+echo 'print("unheard"' >test_simple.vrs
+trap '' PIPE
+"$host" >&- || expect 'standard output closed' 0 $?
+"$host" >/dev/full || expect 'standard output full' 0 $?
+"$host" > >(exec true) || expect 'nobody reads' 0 $?
+trap - PIPE
+
 # It runs until it is told to stop, and what it writes is there at once.
 echo 'print("unheard");' >test_simple.vrs
 for signal in INT TERM; do

@@ -91,9 +91,10 @@ void task_run(vrn_task& task, std::int64_t delay_ms) {
   task.pending_calls = 0;
   task.value_stack.clear();
   task.value_stack.resize(1);
-  task.active = routine->active = true;
   log_task(task, " scheduled (eta: ", delay_ms, ").");
   schedule(task, delay_ms);
+  // Last, so that a start that runs out of memory can be repeated.
+  task.active = routine->active = true;
 }
 
 void schedule(vrn_task& task, std::int64_t delay_ms) {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "fuzz/support/check.hpp"
+#include "fuzz/support/memory_watch.hpp"
 #include "vm/interpreter_state.hpp"
 
 namespace vorn::fuzz {
@@ -24,17 +25,56 @@ checked_host::checked_host(files sources) : sources_(std::move(sources)) {
 }
 
 vrn_program checked_host::load() {
+  const auto show = [this] { return listing(); };
+  const memory_watch watch;
   vrn_program program;
   try {
     program = host_.loader.create_program("main.vrs");
   } catch (const std::bad_alloc&) {
+    check(can_multiply(), "A load without defines has enough memory.", show);
     return {};
   }
+  check(can_multiply() || watch.peak() <= memory_allowed(), "A load takes little memory.", show);
   read_reports();
-  const auto show = [this] { return listing(); };
-  check(program || !reports_.empty() || is_blank(sources_["main.vrs"]),
-        "A load that fails says where.", show);
+  check(program || !reports_.empty() || has_nothing_to_point_at(), "A load that fails says where.",
+        show);
+  check_pools_quiet();
   return program;
+}
+
+// Defines can multiply what a script says, within bounds of their own.
+bool checked_host::can_multiply() const {
+  return std::any_of(sources_.begin(), sources_.end(), [](const auto& source) {
+    return source.second.find("define") != std::string::npos;
+  });
+}
+
+// A small multiple of the input, besides what is kept of the log.
+std::size_t checked_host::memory_allowed() const {
+  std::size_t allowed = 0x10000;
+  for (const auto& [name, text] : sources_) allowed += 0x10000 + 300 * text.size();
+  for (const test::log_record& record : host_.log->records) {
+    allowed += 2 * sizeof record + record.text.capacity();
+  }
+  return allowed;
+}
+
+// There is not one token.
+bool checked_host::has_nothing_to_point_at() const {
+  const auto errors = host_.log->texts(vrn_log_level::error);
+  return is_blank(sources_.at("main.vrs")) && !errors.empty() &&
+         (errors[0] == "stage_1 failed." || errors[0] == "Source file main.vrs is empty.");
+}
+
+void checked_host::check_pools_quiet() const {
+  constexpr std::string_view complaints[] = {
+      "invalid pool magic num: ", "invalid variable pool memory! ", "unknown var encountered.",
+      "Seems like variable ",     "Additionally, the variable ",    "There are still pool chunks "};
+  for (const std::string& error : host_.log->texts(vrn_log_level::error)) {
+    for (const std::string_view complaint : complaints) {
+      check(!error.starts_with(complaint), "The pools are in order.", error);
+    }
+  }
 }
 
 std::string checked_host::listing() const {
@@ -68,19 +108,15 @@ void checked_host::run(const vrn_program& program) {
 
 void checked_host::check_health() {
   host_.script.state().tasks = {};
-  check(host_.output_of(healthy_program) == std::vector<std::string>{"sum: 15", "-1.000000"},
+  check_pools_quiet();
+  check(host_.output_of(healthy_program) == std::vector<std::string>{"sum: 15", "-1.000000"} &&
+            host_.log->texts(vrn_log_level::error).empty(),
         "The next program loads and runs.");
   check_released(host_.script);
 }
 
 void check_released(vrnscript& script) {
-  const vrn_value_pools& pools = script.state().pools;
-  check(pools.functions.live_count() == 0, "No function is left.");
-  check(pools.values.live_count() == 0, "No value is left.");
-  check(pools.json_values.live_count() == 0, "No json member is left.");
-  check(pools.json.live_count() == 0, "No json is left.");
-  check(pools.strings.live_count() == 0, "No string is left.");
-  check(script.state().registry->size() == 0, "No program block is left.");
+  check(test::live_objects(script) == 0, "No value, payload or program block is left.");
 }
 
 bool is_runtime_error(std::string_view logged) {

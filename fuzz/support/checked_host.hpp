@@ -1,6 +1,7 @@
 // An interpreter whose every load and run is checked.
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <string>
 #include <string_view>
@@ -18,8 +19,8 @@ class checked_host {
 
   explicit checked_host(files sources);
 
-  // Loads main.vrs. Every report points at a place that exists, and there is one if the load fails.
-  // Empty also when memory has run out.
+  // Loads main.vrs. Every report points at a place that exists, and there is one if the load fails;
+  // and it takes little memory, unless defines multiply. Empty also when memory has run out.
   vrn_program load();
 
   // The files as one text, to be shown when something is wrong with them.
@@ -39,6 +40,10 @@ class checked_host {
   test::script_host& host() { return host_; }
 
  private:
+  bool can_multiply() const;
+  std::size_t memory_allowed() const;
+  bool has_nothing_to_point_at() const;
+  void check_pools_quiet() const;
   void read_reports();
 
   files sources_;

@@ -87,14 +87,18 @@ source_report parse_source_report(std::string_view logged) {
 
 bool has_place(const source_report& report, std::string text) {
   text = normalise_source(std::move(text));
-  if (report.line == 0 || text.find(report.shown) == std::string::npos) return false;
-  if (!has_plain_lines(text)) return report.line <= text.size() && report.column <= text.size();
+  if (report.line == 0) return false;
+  if (!has_plain_lines(text)) {
+    return report.line <= text.size() && report.column <= text.size() &&
+           text.find(report.shown) != std::string::npos;
+  }
   std::size_t begin = 0;
   for (std::uint32_t line = 1; line < report.line && begin < text.size(); ++line) {
     begin = std::min(text.find('\n', begin), text.size() - 1) + 1;
   }
   const std::size_t end = std::min(text.find('\n', begin), text.size());
-  return begin < text.size() && report.column <= end - begin;
+  return begin < text.size() && report.column <= end - begin &&
+         text.substr(begin, end - begin).find(report.shown) != std::string::npos;
 }
 
 bool is_blank(std::string_view text) {

@@ -13,8 +13,16 @@
 #include "tests/support/collecting_log.hpp"
 #include "tests/support/manual_clock.hpp"
 #include "tests/support/memory_filesys.hpp"
+#include "vm/interpreter_state.hpp"
 
 namespace vorn::test {
+
+// How many values, payloads and program blocks of an interpreter are held.
+inline std::uint64_t live_objects(const vrnscript& script) {
+  const vrn_value_pools& pools = script.state().pools;
+  return pools.functions.live_count() + pools.values.live_count() + pools.json_values.live_count() +
+         pools.json.live_count() + pools.strings.live_count() + script.state().registry->size();
+}
 
 struct script_host {
   // Loads a text as the file "main.vrs".

@@ -2,14 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <vornscript/thread_state.hpp>
 
-#include "frontend/operator_set.hpp"
 #include "tests/support/collecting_log.hpp"
 
 namespace vorn::test {
@@ -51,15 +48,6 @@ TEST(lexer, cuts_the_text) {
       {"\xC1\xA1;a\xC0\nb \xC0\xA2x\" y\xC3;", "\xC1\xA1 ; a $ b x y\xC3;"},
   };
   for (const auto& [text, tokens] : cases) EXPECT_EQ(lexed(text).spelled(), tokens) << text;
-}
-
-TEST(lexer, knows_exactly_the_operators) {
-  const std::set<std::string_view> known(operator_spellings.begin(), operator_spellings.end());
-  EXPECT_EQ(known.size(), 20u);
-  for (int pair = 0; pair < 128 * 128; ++pair) {
-    const std::string text = {static_cast<char>(pair / 128), static_cast<char>(pair % 128), '='};
-    EXPECT_EQ(operators.match(text), known.contains(text.substr(0, 2)) ? 2u : 0u) << text;
-  }
 }
 
 TEST(lexer, keeps_every_line) {

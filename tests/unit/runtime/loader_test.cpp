@@ -1,4 +1,6 @@
 // What loading a program writes to the log, stage by stage.
+#include <stdexcept>
+
 #include <gtest/gtest.h>
 
 #include "tests/support/script_host.hpp"
@@ -25,6 +27,28 @@ TEST(loader_test, names) {
   EXPECT_EQ(taken(*host.log)[0], "Loading <memory>");
   EXPECT_TRUE(host.loader.create_program("1;", "given"));
   EXPECT_EQ(taken(*host.log)[0], "Loading given");
+}
+
+// Whatever is looked for is there, and has gone when it is read.
+class vanishing_filesys final : public vrn_filesys {
+ public:
+  vanishing_filesys() { search_paths_add(""); }
+  bool exists(const std::string&) const override { return true; }
+  void read(const std::string& path, std::string&) const override {
+    if (path == "failing.vrs") throw std::runtime_error("It does not even open.");
+  }
+};
+
+TEST(loader_test, files_that_vanish) {
+  const auto log = std::make_shared<collecting_log>();
+  vrnscript script({std::make_shared<vanishing_filesys>(), log, true, "", nullptr});
+  vrn_program_loader loader(script);
+  EXPECT_FALSE(loader.create_program("gone"));
+  EXPECT_EQ(taken(*log)[0], "Source file gone is empty.");
+  EXPECT_THROW(loader.create_program("#include \"failing\"", "a"), std::runtime_error);
+  taken(*log);
+  EXPECT_TRUE(loader.create_program("#include \"gone\"\n1;", "a"));
+  EXPECT_EQ(taken(*log)[2], "Empty include file: gone.vrs");
 }
 
 // Every reading is a millisecond after the one before.

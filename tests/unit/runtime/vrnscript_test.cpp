@@ -3,13 +3,11 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "tests/support/script_host.hpp"
-#include "vm/interpreter_state.hpp"
 
 namespace vorn {
 namespace {
@@ -62,18 +60,6 @@ TEST(vrnscript_test, programs_keep_the_native_functions_that_they_call) {
   }
   ASSERT_TRUE(host.run(programs));
   EXPECT_EQ(host.log->texts(vrn_log_level::out), (strings{"first", "second"}));
-}
-
-TEST(vrnscript_test, takes_back_in_its_tick_what_other_threads_drop) {
-  script_host host;
-  std::vector<vrnvar_shared> dropped(1000);
-  for (auto& value : dropped) value = var_string("theirs");
-  std::thread([&dropped] {
-    const script_host own;
-    dropped.clear();
-  }).join();
-  host.script.tick();
-  EXPECT_EQ(host.script.state().pools.strings.live_count(), 0U);
 }
 
 }  // namespace

@@ -32,14 +32,5 @@ TEST(json_test, members_are_listed_in_order_and_found_by_key) {
   }
 }
 
-TEST(json_test, texts_of_any_length) {
-  vrn_text text;
-  for (const std::size_t length : {0U, 28U, 29U, 5U, 1000U, 2000U, 30U}) {
-    const std::string expected(length, 'a');
-    text.assign(expected, "bc");
-    EXPECT_EQ(text.view(), expected + "bc");
-  }
-}
-
 }  // namespace
 }  // namespace vorn

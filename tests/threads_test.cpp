@@ -1,0 +1,100 @@
+// Interpreters side by side, and values that are dropped on other threads than their own. Runs
+// under the thread sanitizer too.
+#include <atomic>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/script_host.hpp"
+
+namespace vorn::test {
+namespace {
+
+using strings = std::vector<std::string>;
+using values = std::vector<vrnvar_shared>;
+
+TEST(threads_test, four_interpreters_at_once) {
+  const auto work = [](int first) {
+    script_host host;
+    host.files->add("shared.vrs", "#define SHARED 100\nadd(a, b) { sleep(5); a + b }");
+    for (int sum = first; sum < 1000; sum += 4) {
+      const std::string more = std::to_string(sum - 100);
+      const std::string text = "#include \"shared\"\nprint(\"sum: \" + add(SHARED, " + more + "));";
+      EXPECT_EQ(host.output_of(text + "]"), strings());
+      EXPECT_EQ(host.output_of(text), strings{"sum: " + std::to_string(sum)});
+    }
+    EXPECT_EQ(live_objects(host.script), 0U);
+  };
+  std::jthread threads[4];
+  int first = 0;
+  for (auto& thread : threads) thread = std::jthread(work, first++);
+}
+
+// Two threads, of which one has an interpreter too, drop a million values while their owner ticks.
+// Some they change before, which drops the payload by itself.
+TEST(threads_test, values_dropped_elsewhere_come_back_once) {
+  constexpr std::int64_t count = 1'000'000;
+  script_host host;
+  std::mutex mutex;
+  std::vector<values> handed_over;
+  std::atomic<std::int64_t> dropped{0};
+  std::atomic<std::int64_t> sum{0};
+  const auto drop_all = [&](bool with_interpreter) {
+    std::optional<script_host> own;
+    if (with_interpreter) own.emplace();
+    while (dropped < count) {
+      values taken;
+      if (const std::lock_guard lock(mutex); !handed_over.empty()) {
+        taken = std::move(handed_over.back());
+        handed_over.pop_back();
+      }
+      for (vrnvar_shared& value : taken) {
+        const std::int64_t number = value->get_int();
+        if (number % 3 == 0) value->set_int(0);
+        value = {};
+        sum += number;
+        ++dropped;
+      }
+    }
+    EXPECT_TRUE(!own || live_objects(own->script) == 0);
+  };
+  std::thread first(drop_all, false);
+  std::thread second(drop_all, true);
+  for (std::int64_t number = 0; number < count; host.script.tick()) {
+    values batch(1000);
+    for (vrnvar_shared& value : batch) {
+      ++number;
+      value = number % 2 == 0 ? var_int(number) : var_string(std::to_string(number));
+    }
+    const std::lock_guard lock(mutex);
+    handed_over.push_back(std::move(batch));
+  }
+  while (dropped < count) host.script.tick();
+  first.join();
+  second.join();
+  host.script.tick();
+  EXPECT_EQ(sum, count * (count + 1) / 2);
+  EXPECT_EQ(live_objects(host.script), 0U);
+  EXPECT_EQ(host.log->texts(vrn_log_level::error), strings());
+
+  // All slots can be handed out again, each once.
+  const auto& chunks = host.script.state().pools.values;
+  const std::uint64_t before = chunks.chunk_count();
+  values taken(before * chunk_slots);
+  std::set<const void*> objects;
+  for (vrnvar_shared& value : taken) {
+    value = var_string("");
+    objects.insert({value.get(), value->as<vrnvar_ptr_str>()});
+  }
+  EXPECT_EQ(objects.size(), 2 * taken.size());
+  EXPECT_EQ(chunks.chunk_count(), before);
+}
+
+}  // namespace
+}  // namespace vorn::test
