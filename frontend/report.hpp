@@ -1,7 +1,7 @@
 // Syntax-error reports: framed text blocks that show a script's author what is wrong and where.
 //
-// A report is handed to the logger of the calling thread at the error level, as one message; it
-// never fails and never throws. The reporters are made from frontend/messages.def, two for each
+// A report is handed to the logger of the calling thread at the error level, as one message. The
+// reporters are made from frontend/messages.def, two for each
 // message: one takes the offending token, the other a place in a text.
 #pragma once
 

@@ -14,7 +14,7 @@ namespace {
 
 // How much the defines of one program may expand to.
 constexpr std::uint64_t replacements_max = 1'000'000;
-constexpr std::uint64_t replaced_tokens_max = 32'000'000;
+constexpr std::uint64_t replaced_tokens_max = 4'000'000;
 
 bool is_define(const vrn_src_command& command) { return command.kind == vrn_command_kind::define; }
 
