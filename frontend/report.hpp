@@ -1,8 +1,8 @@
 // Syntax-error reports: framed text blocks that show a script's author what is wrong and where.
 //
 // A report is handed to the logger of the calling thread at the error level, as one message. The
-// reporters are made from frontend/messages.def, two for each
-// message: one takes the offending token, the other a place in a text.
+// reporters are made from frontend/messages.def, two for each message: one takes the offending
+// token, the other a place in a text.
 #pragma once
 
 #include <cstdint>
