@@ -203,8 +203,9 @@ std::uint32_t run_idle(vrn_program_block_routine& routine, vrn_task& task) {
   std::uint32_t stop = 0;
   std::uint32_t count = 0;
   vrn_vm_context context{&task, &routine, &stop};
-  const vrn_handler* table = idle_handlers.data();
-  benchmark::DoNotOptimize(table);
+  // The compiler is not to know what it holds.
+  const vrn_handler* const volatile hidden = idle_handlers.data();
+  const vrn_handler* const table = hidden;
   const auto code = routine.instructions();
   for (std::byte* at = code.data(); at < code.data() + code.size(); ++count) {
     if (stop != 0) break;

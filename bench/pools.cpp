@@ -38,7 +38,7 @@ void one_live(benchmark::State& state, std::size_t) {
   Store store;
   vrnvar* const other = store.take();
   for (auto _ : state) {
-    vrnvar* value = store.take();
+    vrnvar* const value = store.take();
     benchmark::DoNotOptimize(value);
     store.give_back(value);
   }

@@ -46,7 +46,7 @@ void time_prepared(benchmark::State& state, Prepare prepare, Body body) {
     {
       auto prepared = prepare();
       state.ResumeTiming();
-      auto result = body(prepared);
+      const auto result = body(prepared);
       benchmark::DoNotOptimize(result);
       state.PauseTiming();
     }

@@ -16,19 +16,25 @@ constexpr std::size_t kept_capacity = 0x4000;
 // All console loggers share one console.
 std::atomic<bool> written_since_flush{false};
 
+// The thread's name and id as they stand in a line, "[NAME] [ID".
+const std::string& sender() {
+  thread_local std::string name;
+  thread_local std::string shown;
+  if (shown.empty() || name != thread_name()) {
+    name = thread_name();
+    shown = name.empty() ? "[" : '[' + name + "] [";
+    append_part(shown, thread_id());
+  }
+  return shown;
+}
+
 void write_line(std::string_view tag, int attribute, std::string_view marker,
                 const std::string& message) {
   thread_local std::string line;
   line.clear();
   platform::begin_line(line, attribute);
   line += tag;
-  if (const std::string& name = thread_name(); !name.empty()) {
-    line += '[';
-    line += name;
-    line += "] ";
-  }
-  line += '[';
-  append_part(line, thread_id());
+  line += sender();
   line += marker;
   line += message;
   line += '\n';
