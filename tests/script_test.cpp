@@ -10,41 +10,39 @@
 // those count that share their first word with an expected line. Expectations are no part of the
 // program. \xNN is a byte.
 
-#include <gtest/gtest.h>
 #include <algorithm>
 #include <bit>
 #include <charconv>
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
-#include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "tests/support/script_host.hpp"
 
 namespace vorn::test {
 namespace {
 
+namespace fs = std::filesystem;
 using namespace std::string_literals;
 using lines = std::vector<std::string>;
+
+const fs::path folder = VRN_TESTS_DIR "/scripts";
 
 struct script_case {
   std::string name;
   std::vector<std::pair<std::string, std::string>> files;  // the first is the main program
-  lines tasks;
-  lines expected;  // each led by its marker
+  lines programs = {"main.vrs"};
+  lines expected = {};  // each led by its marker
 };
-
-std::string trimmed(const std::string& text) {
-  const std::size_t first = text.find_first_not_of(' ');
-  if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
 
 std::string with_bytes(std::string text) {
   for (std::size_t at = 0; (at = text.find("\\x", at)) != std::string::npos; ++at) {
@@ -57,132 +55,61 @@ std::string with_bytes(std::string text) {
   return text;
 }
 
-std::size_t find_marker(const std::string& line, std::size_t from) {
-  for (std::size_t at = line.find("//", from); at != std::string::npos;
-       at = line.find("//", at + 1)) {
-    const bool apart = at == 0 || line[at - 1] == ' ';
-    if (apart && at + 2 < line.size() && "=>!?*~:@"s.find(line[at + 2]) != std::string::npos) {
-      return at;
-    }
+// Takes the expectations at the end of a line out of it.
+lines take_expectations(std::string& line) {
+  static const std::regex expectation(
+      "(?:^| +)//(?:(=.*)|([>!?*~:@])(?:| *([^ ].*?))) *(?=$| //[=>!?*~:@])");
+  lines expected;
+  const std::string whole = line;
+  for (std::sregex_iterator at(whole.begin(), whole.end(), expectation), end; at != end; ++at) {
+    if (expected.empty()) line.resize(static_cast<std::size_t>(at->position()));
+    expected.push_back(with_bytes(at->format("$1$2$3")));
   }
-  return line.size();
+  return expected;
 }
 
-// Moves the expectations at the end of a line out of it.
-void split_expectations(std::string& line, lines& expected) {
-  const std::size_t first = find_marker(line, 0);
-  for (std::size_t at = first, next = 0; at < line.size(); at = next) {
-    const bool verbatim = line[at + 2] == '=';
-    next = verbatim ? line.size() : find_marker(line, at + 3);
-    const std::string text = line.substr(at + 3, next - at - 3);
-    expected.push_back(with_bytes(line[at + 2] + (verbatim ? text : trimmed(text))));
-  }
-  if (first < line.size()) line = trimmed("|" + line.substr(0, first)).substr(1);
-}
-
-class case_reader {
- public:
-  explicit case_reader(std::string path) : path_(std::move(path)) {
-    std::ifstream stream(path_);
-    for (std::string line; std::getline(stream, line);) {
-      ++number_;
-      if (line.starts_with("//--- ")) {
-        read_title(line.substr(6));
-      } else {
-        read_line(line);
-      }
-    }
-    // Blank lines between cases are no part of them.
-    for (script_case& each : cases) {
-      for (auto& [name, text] : each.files) {
-        while (text.ends_with('\n')) text.pop_back();
-      }
-    }
-  }
-
+std::vector<script_case> read_cases(const std::string& path) {
+  static const std::regex title("//--- (table |file |task |)(.*)");
   std::vector<script_case> cases;
-
- private:
-  void begin_case(const std::string& name, const std::string& text) {
-    cases.push_back(
-        {path_ + ":" + std::to_string(number_) + " " + name, {{"main.vrs", text}}, {}, {}});
-  }
-
-  void read_title(const std::string& title) {
-    const std::string name = title.substr(std::min(title.size(), std::size_t{5}));
-    table_.clear();
-    if (title.starts_with("table ")) {
-      table_ = title;
-    } else if (title.starts_with("file ") || title.starts_with("task ")) {
-      cases.back().files.emplace_back(name, "");
-      if (title.starts_with("task ")) cases.back().tasks.push_back(name);
-    } else {
-      begin_case(title, "");
+  bool table = false;
+  std::ifstream stream(folder / path);
+  std::string line;
+  for (int number = 1; std::getline(stream, line); ++number) {
+    const std::string place = path + ":" + std::to_string(number);
+    if (std::smatch part; std::regex_match(line, part, title)) {
+      table = part[1] == "table ";
+      if (part[1] == "") cases.push_back({place, {{"main.vrs", ""}}});
+      if (part[1] == "file " || part[1] == "task ") cases.back().files.emplace_back(part[2], "");
+      if (part[1] == "task ") cases.back().programs.push_back(part[2]);
+    } else if (!table || !line.empty()) {
+      const lines expected = take_expectations(line);
+      if (table) cases.push_back({place, {{"main.vrs", ""}}});
+      std::string& text = cases.back().files.back().second;
+      if (expected.empty() || !line.empty()) text += with_bytes(line) + "\n";
+      cases.back().expected.insert(cases.back().expected.end(), expected.begin(), expected.end());
     }
   }
-
-  void read_line(std::string line) {
-    if (line.empty() && !table_.empty()) return;
-    lines expected;
-    split_expectations(line, expected);
-    if (!table_.empty()) {
-      begin_case(table_, with_bytes(line));
-    } else if (expected.empty() || !line.empty()) {
-      cases.back().files.back().second += with_bytes(line) + "\n";
-    }
-    cases.back().expected.insert(cases.back().expected.end(), expected.begin(), expected.end());
-  }
-
-  std::string path_;
-  std::string table_;  // the table's title, empty outside
-  int number_ = 0;
-};
-
-// By the position of the level's bit; no level is the clock.
-char marker_of(vrn_log_level level) {
-  return "@*?!~:>"[std::bit_width(static_cast<std::uint32_t>(level))];
+  return cases;
 }
 
-// What stands between the first `before` and the last `after`.
-std::string between(const std::string& text, std::string_view before, std::string_view after) {
-  const std::size_t first = text.find(before) + before.size();
-  return text.substr(first, text.rfind(after) - first);
-}
-
-std::string error_text(const std::string& text) {
-  if (text.starts_with("Runtime Error ***\n")) {
-    return "runtime: " + between(text, "-\n", "\n---");
-  }
-  if (!text.starts_with("Syntax Error ***\n")) return text;
-  const std::size_t start = text.rfind("\n*** ");
-  std::string message = between(text.substr(start), "\n*** ", "\n---");
-  message.erase(std::min(message.find("\n|-- "), message.size()));  // the way to an included file
-  std::string place =
-      between(text.substr(0, text.find('\n', text.find("--> "))) + "\n", "--> ", "\n");
-  if (place.starts_with("main.vrs:")) place.erase(0, 9);
-  return place + " " + message;
-}
-
-// Puts "#" in the place of the word behind a label.
-void mask(std::string& text, std::string_view label) {
-  const std::size_t at = text.find(label);
-  if (at == std::string::npos) return;
-  const std::size_t first = at + label.size();
-  text.replace(first, text.find_first_of(" )", first) - first, "#");
-}
-
-void append_record(lines& result, const log_record& record, bool frames) {
-  const char marker = marker_of(record.level);
-  if (marker == '!' && frames && record.text.find("Error ***\n") != std::string::npos) {
-    std::istringstream stream(record.text);
+// A report as its place and its message, or, if it is to be shown whole, as its lines.
+lines lines_of(const log_record& record, bool whole_reports) {
+  static const std::regex syntax_error(
+      R"(Syntax Error \*\*\*\n[^]*? --> (?:main\.vrs:)?(.*)\n[^]*\n\*\*\* (.*)\n[^]*)");
+  static const std::regex runtime_error(R"(Runtime Error \*\*\*\n-+\n([^]*)\n-+)");
+  static const std::regex varying("(TASK |avg IPS: )[^ )]+");
+  // By the position of the level's bit; no level is the clock.
+  const char marker = "@*?!~:>"[std::bit_width(static_cast<std::uint32_t>(record.level))];
+  std::string text = record.text;
+  if (whole_reports && text.find("Error ***\n") != std::string::npos) {
+    lines result;
+    std::istringstream stream(text);
     for (std::string line; std::getline(stream, line);) result.push_back("=" + line);
-  } else if (marker == '!') {
-    result.push_back(marker + error_text(record.text));
-  } else {
-    result.push_back(marker + record.text);
-    if (marker == '~') mask(result.back(), "TASK ");
-    if (marker == ':') mask(result.back(), "avg IPS: ");
+    return result;
   }
+  text = std::regex_replace(text, syntax_error, "$1 $2");
+  text = std::regex_replace(text, runtime_error, "runtime: $1");
+  return {marker + std::regex_replace(text, varying, "$1#")};
 }
 
 // What decides whether a line counts: nothing for those that always do.
@@ -193,69 +120,55 @@ std::string subject_of(const std::string& line) {
 
 lines run_case(const script_case& each) {
   std::set<std::string> subjects = {""};
-  bool frames = false;
+  bool whole_reports = false;
   for (const std::string& line : each.expected) {
     subjects.insert(subject_of(line));
-    frames |= line[0] == '=';
+    whole_reports |= line[0] == '=';
   }
-
-  std::shared_ptr<collecting_log> log;
-  bool ended = true;
+  lines written;
   // A thread has one interpreter, and random numbers that begin anew.
   std::thread([&] {
     script_host host;
-    log = host.log;
-    for (const auto& [name, text] : each.files) host.files->add(name, text);
-    std::vector<vrn_program> programs = {host.loader.create_program("main.vrs")};
-    for (const std::string& task : each.tasks) programs.push_back(host.loader.create_program(task));
+    for (const auto& [name, text] : each.files) {
+      // Blank lines between cases are no part of them.
+      host.files->add(name, text.substr(0, text.find_last_not_of('\n') + 1));
+    }
+    std::vector<vrn_program> programs;
+    for (const auto& name : each.programs) programs.push_back(host.loader.create_program(name));
     std::erase(programs, nullptr);
-    ended = host.run(programs);
+    const bool ended = host.run(programs);
+    if (!ended) host.log->records.push_back({vrn_log_level{}, "never"});
+    for (const log_record& record : host.log->records) {
+      for (const std::string& line : lines_of(record, whole_reports)) {
+        if (subjects.contains(subject_of(line))) written.push_back(line);
+      }
+    }
   }).join();
-
-  lines result;
-  for (const log_record& record : log->records) append_record(result, record, frames);
-  if (!ended) result.push_back("@never");
-  std::erase_if(result,
-                [&](const std::string& line) { return !subjects.contains(subject_of(line)); });
-  return result;
-}
-
-std::string joined(const lines& all) {
-  std::string text;
-  for (const std::string& line : all)
-    text += "  //" + line.substr(0, 1) + " " + line.substr(1) + "\n";
-  return text;
+  return written;
 }
 
 class script_test : public testing::TestWithParam<std::string> {};
 
 TEST_P(script_test, writes_what_it_expects) {
-  const case_reader file(GetParam());
-  ASSERT_FALSE(file.cases.empty());
-  for (const script_case& each : file.cases) {
-    const lines written = run_case(each);
-    EXPECT_TRUE(written == each.expected) << each.name << "\n"
-                                          << each.files.front().second << "\nexpected\n"
-                                          << joined(each.expected) << "written\n"
-                                          << joined(written);
+  const std::vector<script_case> cases = read_cases(GetParam());
+  ASSERT_FALSE(cases.empty());
+  for (const script_case& each : cases) {
+    EXPECT_EQ(run_case(each), each.expected) << each.name << "\n" << each.files[0].second;
   }
 }
 
-std::vector<std::string> script_files() {
-  std::vector<std::string> paths;
-  for (const auto& entry :
-       std::filesystem::recursive_directory_iterator(VRN_TESTS_DIR "/scripts")) {
-    if (entry.path().extension() == ".vrs") paths.push_back(entry.path().string());
+lines script_files() {
+  lines paths;
+  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+    if (entry.path().extension() == ".vrs") paths.push_back(fs::relative(entry, folder).string());
   }
   std::sort(paths.begin(), paths.end());
   return paths;
 }
 
 INSTANTIATE_TEST_SUITE_P(scripts, script_test, testing::ValuesIn(script_files()),
-                         [](const testing::TestParamInfo<std::string>& file) {
-                           const std::filesystem::path path(file.param);
-                           return path.parent_path().filename().string() + "_" +
-                                  path.stem().string();
+                         [](const auto& file) {
+                           return std::regex_replace(file.param, std::regex("\\W"), "_");
                          });
 
 }  // namespace

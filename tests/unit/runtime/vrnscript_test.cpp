@@ -1,12 +1,15 @@
 #include <vornscript/vrnscript.hpp>
 
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "compiler/registry.hpp"
 #include "tests/support/script_host.hpp"
 
 namespace vorn {
@@ -60,6 +63,44 @@ TEST(vrnscript_test, programs_keep_the_native_functions_that_they_call) {
   }
   ASSERT_TRUE(host.run(programs));
   EXPECT_EQ(host.log->texts(vrn_log_level::out), (strings{"first", "second"}));
+}
+
+TEST(vrnscript_test, what_handles_mean) {
+  using routine = vrn_program_block_routine;
+  const script_host host;
+  auto program = std::make_shared<vrn_program_block_root>();
+  const auto root = program->handle();
+  const auto main = program->main->handle();
+  EXPECT_EQ(root.get(), program.get());
+  EXPECT_EQ(main.get(), program->main.get());
+  EXPECT_EQ(vrnptr<routine>(main.index, vrnptr_base::none).get(), nullptr);
+  EXPECT_EQ(vrnptr<routine>(main.index + 1, main.generation).get(), nullptr);
+  // Registered as another type.
+  EXPECT_EQ(vrnptr<routine>(root).get(), nullptr);
+  // A thread without an interpreter has no registry.
+  std::thread([&main] { EXPECT_EQ(main.get(), nullptr); }).join();
+  // Indexes are used again under new generations.
+  program.reset();
+  EXPECT_EQ(host.script.state().registry->size(), 0U);
+  program = std::make_shared<vrn_program_block_root>();
+  EXPECT_LT(program->main->handle().index, 2U);
+  EXPECT_EQ(root.get(), nullptr);
+  EXPECT_EQ(main.get(), nullptr);
+  EXPECT_EQ(program->main->handle().get(), program->main.get());
+}
+
+TEST(vrnscript_test, log_override_wins_over_interpreter_wins_over_silence) {
+  vrn_log_base* const silent = &get_log();
+  test::collecting_log overriding;
+  {
+    const script_host host;
+    EXPECT_EQ(&get_log(), host.log.get());
+    std::thread([silent] { EXPECT_EQ(&get_log(), silent); }).join();
+    log_override = &overriding;
+    EXPECT_EQ(&get_log(), &overriding);
+    log_override = nullptr;
+  }
+  EXPECT_EQ(&get_log(), silent);
 }
 
 }  // namespace
