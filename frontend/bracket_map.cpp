@@ -34,7 +34,7 @@ vrn_bracket_map::vrn_bracket_map(std::span<const vrn_token> tokens) : tokens_(to
   std::array<std::vector<std::size_t>, 3> open;  // positions in pairs_
 
   for (std::size_t i = 0; i < tokens.size(); ++i) {
-    const auto [which, shape] = brackets[static_cast<std::size_t>(punctuation(*tokens[i]))];
+    const auto [which, shape] = brackets[static_cast<unsigned char>(punctuation(*tokens[i]))];
     if (which == side::none) continue;
     if (which == side::opening) {
       open[shape].push_back(pairs_.size());

@@ -35,7 +35,7 @@ vrnvar_shared filled(vrn_type type) {
 
 std::string shown(const vrnvar* value) {
   if (!value) return "nothing";
-  const std::string text = std::string(type_name(value->type)) + ":" + value->to_text();
+  std::string text = std::string(type_name(value->type)) + ":" + value->to_text();
   if (value->type == vrn_type::ref) return text + shown(value->as<vrnvar>());
   if (value->type != vrn_type::json || members_of(*value).size() == 0) return text;
   const vrnjson* const member = members_of(*value).at(0);
