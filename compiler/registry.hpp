@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <typeinfo>
 #include <vector>
 
 #include <vornscript/vrnptr.hpp>
@@ -11,33 +12,33 @@
 namespace vorn {
 
 // One entry for each registered object: where it is, as what it was registered, and the generation
-// that a handle must have to mean it. An index is used again with the next generation; one that has
-// gone through all of them is never used again, so no handle ever comes to mean another object.
-// Objects may leave after their interpreter has gone.
+// that a handle must have to mean it. Indexes are used again; generations are given out for the
+// whole process and come back only when all others have been used, so a handle of another
+// interpreter, or to an object that has gone, comes to mean nothing. Objects may leave after their
+// interpreter has gone.
 class vrn_registry {
  public:
   explicit vrn_registry(vrn_interpreter_mutex& mutex) : mutex_(&mutex) {}
 
-  vrnptr_base enter(void* object, const char* type);
-  void leave(const vrnptr_base& handle);
+  vrnptr_base enter(vrnptr_entry* object, const std::type_info& type);
+  void leave(const vrnptr_base& handle) noexcept;
 
   // Takes the interpreter's lock.
-  void* resolve(const vrnptr_base& handle, const char* type) const;
+  vrnptr_entry* resolve(const vrnptr_base& handle, const std::type_info& type) const;
 
   // The number of objects entered at present.
-  std::size_t size() const { return entries_.size() - free_.size() - retired_; }
+  std::size_t size() const { return entries_.size() - free_.size(); }
 
  private:
   struct entry {
-    void* object;
-    const char* type;
-    std::uint32_t generation;
+    vrnptr_entry* object;
+    const std::type_info* type;
+    std::uint32_t generation;  // 0 while the index is free
   };
 
   vrn_interpreter_mutex* mutex_;
   std::vector<entry> entries_;
   std::vector<std::uint32_t> free_;
-  std::size_t retired_ = 0;
 };
 
 }  // namespace vorn

@@ -3,13 +3,16 @@
 
 #include <cstdint>
 #include <memory>
+#include <typeinfo>
 
 namespace vorn {
 
 class vrn_registry;
+class vrnptr_entry;
 
 // An index into the registry of the thread's interpreter, and the generation of the object that was
-// entered there. Generations 0 and all ones mean no object.
+// entered there, which no other object of the process has. Generations 0 and all ones mean no
+// object.
 struct vrnptr_base {
   static constexpr std::uint32_t none = 0xFFFFFFFF;
 
@@ -26,23 +29,8 @@ struct vrnptr_base {
   std::uint32_t generation = none;
 
  protected:
-  // The registered object, if it is alive and was registered under this type.
-  void* resolve(const char* type) const;
-};
-
-// One address for each registered type.
-template <class T>
-inline constexpr char vrnptr_type{};
-
-template <class T>
-struct vrnptr : vrnptr_base {
-  using vrnptr_base::vrnptr_base;
-  vrnptr() = default;
-  explicit vrnptr(const vrnptr_base& handle) : vrnptr_base(handle) {}
-
-  // The object, or null when it has gone. Takes the interpreter's lock, which its own thread can do
-  // at any time.
-  T* get() const { return static_cast<T*>(resolve(&vrnptr_type<T>)); }
+  // The registered object, if it is alive and was registered as this type.
+  vrnptr_entry* resolve(const std::type_info& type) const;
 };
 
 // An entry in the registry of the calling thread's interpreter, for as long as this lives. On a
@@ -56,13 +44,16 @@ class vrnptr_entry {
   std::uint32_t registry_generation() const { return handle_.generation; }
 
  protected:
-  vrnptr_entry(void* object, const char* type);
+  explicit vrnptr_entry(const std::type_info& type);
   ~vrnptr_entry();
 
  private:
   std::shared_ptr<vrn_registry> registry_;
   vrnptr_base handle_;
 };
+
+template <class T>
+struct vrnptr;
 
 // The mix-in of a class whose objects can be referred to by vrnptr<T>.
 template <class T, class Handle>
@@ -71,7 +62,21 @@ class vrnptr_register : public vrnptr_entry {
   vrnptr<T> handle() const { return vrnptr<T>(registry_index(), registry_generation()); }
 
  protected:
-  vrnptr_register() : vrnptr_entry(static_cast<T*>(this), &vrnptr_type<T>) {}
+  vrnptr_register() : vrnptr_entry(typeid(T)) {}
+};
+
+template <class T>
+struct vrnptr : vrnptr_base {
+  using vrnptr_base::vrnptr_base;
+  vrnptr() = default;
+  explicit vrnptr(const vrnptr_base& handle) : vrnptr_base(handle) {}
+
+  // The object, or null when it has gone. Takes the interpreter's lock, which its own thread can do
+  // at any time.
+  T* get() const {
+    vrnptr_entry* const entry = resolve(typeid(T));
+    return static_cast<T*>(static_cast<vrnptr_register<T, vrnptr_base>*>(entry));
+  }
 };
 
 }  // namespace vorn
