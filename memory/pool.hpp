@@ -211,7 +211,7 @@ class vrn_pool_threadsafe final : public vrn_pool<T, Chunk> {
 
   // Releases an object on any thread; `own` is the pool of the calling thread's interpreter.
   static void release(T* object, vrn_pool_threadsafe* own) noexcept {
-    vrn_pool_base* owner = region::of(object)->owner.load(std::memory_order_relaxed);
+    vrn_pool_base* owner = owner_of(object);
     if (!owner) return heap::give_back(object);
     auto& home = static_cast<vrn_pool_threadsafe&>(*owner);
     if (&home == own) {
@@ -219,6 +219,12 @@ class vrn_pool_threadsafe final : public vrn_pool<T, Chunk> {
     } else {
       home.queue(object);
     }
+  }
+
+  // Whether a release on this thread puts the object back at once, rather than into a ring.
+  static bool takes_back(const T* object, const vrn_pool_threadsafe* own) noexcept {
+    const vrn_pool_base* const owner = owner_of(object);
+    return !owner || owner == own;
   }
 
   // An object from the calling thread's pool, or from the heap when it has none.
@@ -235,6 +241,10 @@ class vrn_pool_threadsafe final : public vrn_pool<T, Chunk> {
   }
 
  private:
+  static vrn_pool_base* owner_of(const T* object) noexcept {
+    return region::of(object)->owner.load(std::memory_order_relaxed);
+  }
+
   static constexpr std::uint32_t ring_size = 1024;
 
   // Consecutive tickets land in different groups of eight slots, that is, on different cache lines.

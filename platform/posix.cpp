@@ -1,5 +1,6 @@
 #include "platform/platform.hpp"
 
+#include <pthread.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -9,6 +10,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
+#include <optional>
 #include <system_error>
 
 namespace vorn::platform {
@@ -51,6 +53,17 @@ void handle_stop(int) {
 }
 
 }  // namespace
+
+// The values of keys are looked at after a thread's own objects have been destroyed.
+void at_thread_end(void (*release)(void*)) noexcept {
+  static const auto key = [release]() -> std::optional<pthread_key_t> {
+    pthread_key_t made{};
+    if (pthread_key_create(&made, release) != 0) return std::nullopt;
+    return made;
+  }();
+  static char asked_for;
+  if (key) pthread_setspecific(*key, &asked_for);
+}
 
 std::uint32_t thread_id() noexcept { return static_cast<std::uint32_t>(gettid()); }
 

@@ -1,5 +1,8 @@
 #include <vornscript/log.hpp>
 
+#include <cstddef>
+#include <new>
+
 #include <vornscript/thread_state.hpp>
 #include <vornscript/vrnscript.hpp>
 
@@ -18,7 +21,9 @@ void vrn_log_base::write(vrn_log_level level, const std::string& message) {
 vrn_log_base& get_log() {
   if (log_override) return *log_override;
   if (current_script) return current_script->logger();
-  static vrn_log_base silent;
+  // Never destroyed: statics that go late may still ask for it.
+  alignas(vrn_log_base) static std::byte storage[sizeof(vrn_log_base)];
+  static vrn_log_base& silent = *::new (storage) vrn_log_base;
   return silent;
 }
 

@@ -2,10 +2,12 @@
 
 #include <atomic>
 #include <cstddef>
+#include <utility>
 
 #include <vornscript/thread_state.hpp>
 
 #include "platform/platform.hpp"
+#include "runtime/thread_record.hpp"
 
 namespace vorn {
 namespace {
@@ -16,25 +18,23 @@ constexpr std::size_t kept_capacity = 0x4000;
 // All console loggers share one console.
 std::atomic<bool> written_since_flush{false};
 
-// The thread's name and id as they stand in a line, "[NAME] [ID".
-const std::string& sender() {
-  thread_local std::string name;
-  thread_local std::string shown;
-  if (shown.empty() || name != thread_name()) {
-    name = thread_name();
-    shown = name.empty() ? "[" : '[' + name + "] [";
+const std::string& sender(vrn_thread_record& thread) {
+  if (thread.sender.empty()) {
+    std::string shown = thread.name.empty() ? "[" : '[' + thread.name + "] [";
     append_part(shown, thread_id());
+    thread.sender = std::move(shown);
   }
-  return shown;
+  return thread.sender;
 }
 
 void write_line(std::string_view tag, int attribute, std::string_view marker,
                 const std::string& message) {
-  thread_local std::string line;
+  vrn_thread_record& thread = thread_record();
+  std::string& line = thread.line;
   line.clear();
   platform::begin_line(line, attribute);
   line += tag;
-  line += sender();
+  line += sender(thread);
   line += marker;
   line += message;
   line += '\n';

@@ -12,6 +12,7 @@
 #include "frontend/command_map.hpp"
 #include "frontend/lexer.hpp"
 #include "parser/parser.hpp"
+#include "runtime/thread_check.hpp"
 
 namespace vorn {
 namespace {
@@ -71,6 +72,8 @@ std::shared_ptr<vrn_ast> create_tree(std::string text, std::string source_name) 
 }  // namespace
 
 vrn_program vrn_program_loader::create_program(std::string_view file_name) {
+  // A thread without an interpreter has no files either, and gets the line for that.
+  if (current_script && !check_thread(*script_, "create_program()")) return {};
   const vrn_filesys* const filesys = current_script ? &current_script->filesys() : nullptr;
   std::string path = filesys ? filesys->find_file(file_name) : std::string();
   if (path.empty()) {
@@ -82,6 +85,7 @@ vrn_program vrn_program_loader::create_program(std::string_view file_name) {
 }
 
 vrn_program vrn_program_loader::create_program(std::string text, std::string source_name) {
+  if (!check_thread(*script_, "create_program()")) return {};
   auto ast = create_tree(std::move(text), std::move(source_name));
   return ast ? create_bytecode(*script_, std::move(ast), instruction_count_) : vrn_program();
 }

@@ -1,11 +1,26 @@
 #include <vornscript/thread_state.hpp>
 
+#include <memory>
+#include <utility>
+
 #include "platform/platform.hpp"
+#include "runtime/thread_record.hpp"
 
 namespace vorn {
 
 constinit thread_local vrnscript* current_script = nullptr;
 constinit thread_local vrn_log_base* log_override = nullptr;
+
+namespace {
+
+// A plain pointer: an object here would go while others of the thread still log.
+constinit thread_local vrn_thread_record* record = nullptr;
+
+void free_record(void*) {
+  const std::unique_ptr<vrn_thread_record> owned(std::exchange(record, nullptr));
+}
+
+}  // namespace
 
 std::uint32_t thread_id() noexcept {
   static constinit thread_local std::uint32_t id = 0;
@@ -13,9 +28,23 @@ std::uint32_t thread_id() noexcept {
   return id;
 }
 
-std::string& thread_name() noexcept {
-  static thread_local std::string name;
-  return name;
+vrn_thread_record* find_thread_record() noexcept { return record; }
+
+vrn_thread_record& thread_record() {
+  if (!record) {
+    record = std::make_unique<vrn_thread_record>().release();
+    platform::at_thread_end(free_record);
+  }
+  return *record;
+}
+
+std::string_view thread_name() noexcept { return record ? record->name : std::string_view(); }
+
+void set_thread_name(std::string_view name) {
+  if (name == thread_name()) return;
+  vrn_thread_record& own = thread_record();
+  own.name = name;
+  own.sender.clear();
 }
 
 }  // namespace vorn

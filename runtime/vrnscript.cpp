@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "runtime/thread_check.hpp"
 #include "stdlib/add_std_functions.hpp"
 #include "vm/interpreter_state.hpp"
 #include "vm/scheduler.hpp"
@@ -39,18 +40,28 @@ vrnscript::vrnscript(vrnscript_config config)
   if (!state_->logger) state_->logger = std::make_shared<vrn_log_base>(vrn_log_all);
   if (!state_->clock) state_->clock = std::make_shared<vrn_clock>();
   bind(this);
-  thread_name() = std::move(config.thread_name);
+  set_thread_name(config.thread_name);
   if (config.add_std_functions) add_std_functions();
 }
 
+// On another thread than its own everything is released all the same, as if that were its own: the
+// tasks, the values, what native functions hold. What cannot be mended from there is the own
+// thread's `current_script`, which keeps pointing here.
 vrnscript::~vrnscript() {
-  const vrn_interpreter_lock lock(state_->mutex);
-  state_->tasks = {};
-  state_->pools.drain();
-  if (const std::size_t blocks = state_->registry->size(); blocks > 0) tell_of_blocks(blocks);
+  check_thread(*this, "~vrnscript()");
+  vrnscript* const of_thread = std::exchange(current_script, this);
+  {
+    const vrn_interpreter_lock lock(state_->mutex);
+    state_->tasks = {};
+    state_->pools.drain();
+    if (const std::size_t blocks = state_->registry->size(); blocks > 0) tell_of_blocks(blocks);
+  }
+  owned_.reset();
+  current_script = of_thread == this ? nullptr : of_thread;
 }
 
 void vrnscript::tick() {
+  if (!check_thread(*this, "tick()")) return;
   const vrn_interpreter_lock lock(state_->mutex);
   run_due_tasks(*state_);
   state_->pools.drain();

@@ -2,13 +2,13 @@
 
 #include <array>
 #include <limits>
-#include <new>
 #include <utility>
 #include <vector>
 
 #include <vornscript/log.hpp>
 
 #include "platform/platform.hpp"
+#include "vm/detached_payload.hpp"
 #include "vm/interpreter_state.hpp"
 #include "vm/number_text.hpp"
 #include "vm/value_access.hpp"
@@ -23,90 +23,6 @@ constexpr std::array type_names = {
 };
 
 std::uint64_t address_of(const void* object) { return reinterpret_cast<std::uintptr_t>(object); }
-
-template <class Object>
-Object* object_at(std::uint64_t address) {
-  return reinterpret_cast<Object*>(static_cast<std::uintptr_t>(address));
-}
-
-// What a value owned, taken out of it; released with this object.
-class detached_payload {
- public:
-  detached_payload() = default;
-  explicit detached_payload(vrnvar& value)
-      : payload_(std::exchange(value.payload, 0)),
-        type_(std::exchange(value.type, vrn_type::none)) {}
-  detached_payload(detached_payload&& other) noexcept
-      : payload_(other.payload_), type_(std::exchange(other.type_, vrn_type::none)) {}
-  detached_payload& operator=(detached_payload&&) = delete;
-  ~detached_payload() {
-    if (type_ >= vrn_type::primitive_end) let_go();
-  }
-
- private:
-  void let_go() noexcept;
-  void release() noexcept;
-
-  std::uint64_t payload_ = 0;
-  vrn_type type_ = vrn_type::none;
-};
-
-// Releasing a payload can release others: the members of json and classes, the targets of refs.
-// Chains of them are followed by recursion down to this depth and put aside beyond it.
-constexpr int release_depth_max = 100;
-constinit thread_local int release_depth = 0;
-
-std::vector<detached_payload>& put_aside() {
-  thread_local std::vector<detached_payload> payloads;
-  return payloads;
-}
-
-void detached_payload::let_go() noexcept {
-  // A string releases nothing else.
-  if (type_ == vrn_type::string) {
-    release();
-    return;
-  }
-  if (release_depth >= release_depth_max) {
-    try {
-      put_aside().push_back(std::move(*this));
-    } catch (const std::bad_alloc&) {
-      // The payload is lost; there is no memory even to remember it.
-    }
-    return;
-  }
-  ++release_depth;
-  release();
-  // Only the outermost one looks at what was put aside: the depth stays while it does.
-  if (release_depth == 1) {
-    auto& payloads = put_aside();
-    while (!payloads.empty()) {
-      const detached_payload next = std::move(payloads.back());
-      payloads.pop_back();
-    }
-  }
-  --release_depth;
-}
-
-void detached_payload::release() noexcept {
-  switch (type_) {
-    case vrn_type::string:
-      return vrn_value_pools::texts::release(object_at<vrnvar_ptr_str>(payload_),
-                                             own_pool<&vrn_value_pools::strings>());
-    case vrn_type::json:
-      return vrn_value_pools::containers::release(object_at<vrnvar_ptr_json>(payload_),
-                                                  own_pool<&vrn_value_pools::json>());
-    case vrn_type::class_:
-    case vrn_type::function:
-      return vrn_value_pools::callables::release(object_at<vrnvar_ptr_function>(payload_),
-                                                 own_pool<&vrn_value_pools::functions>());
-    case vrn_type::ref:
-      vrnvar_shared::adopt(object_at<vrnvar>(payload_));
-      return;
-    default:
-      return;
-  }
-}
 
 // The payload of a fresh value of a type.
 std::uint64_t acquire_payload(vrn_type type) {
@@ -167,7 +83,7 @@ std::int64_t truncate(double number) {
 std::string_view type_name(vrn_type type) { return type_names[static_cast<std::size_t>(type)]; }
 
 void vrnvar::become_none() noexcept {
-  const detached_payload old(*this);
+  const vrn_detached_payload old(*this);
   marker = 0;
 }
 
@@ -198,7 +114,7 @@ void vrnvar::copy_from(const vrnvar* source) {
   }
   const bool reuse = type == source->type && has_pooled_payload(type);
   // The source may hang on what this value owns, so that is released last.
-  const detached_payload old = reuse ? detached_payload() : detached_payload(*this);
+  const vrn_detached_payload old = reuse ? vrn_detached_payload() : vrn_detached_payload(*this);
   if (!reuse) {
     marker = 0;
     payload = acquire_payload(source->type);
@@ -252,7 +168,7 @@ void vrnvar::set_float(double number) {
 
 void vrnvar::set_string(std::string_view text) {
   // The text may be this value's own.
-  const detached_payload old(*this);
+  const vrn_detached_payload old(*this);
   set_type(vrn_type::string);
   as<vrnvar_ptr_str>()->text.assign(text);
 }

@@ -1,8 +1,9 @@
-// What each thread knows of itself. One set per system thread, there before any interpreter is.
+// What each thread knows of itself. One set per system thread, there before any interpreter is and
+// to the thread's very end: objects of static and thread storage may use it in their destructors.
 #pragma once
 
 #include <cstdint>
-#include <string>
+#include <string_view>
 
 namespace vorn {
 
@@ -18,7 +19,9 @@ extern constinit thread_local vrn_log_base* log_override;
 // The system's number of the calling thread, never 0.
 std::uint32_t thread_id() noexcept;
 
-// The calling thread's name, shown in log lines when not empty; vrnscript sets it.
-std::string& thread_name() noexcept;
+// The calling thread's name, shown in log lines when not empty; vrnscript sets it. The text stays
+// valid until the name is set again.
+std::string_view thread_name() noexcept;
+void set_thread_name(std::string_view name);
 
 }  // namespace vorn

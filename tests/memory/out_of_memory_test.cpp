@@ -136,6 +136,7 @@ bool survives(std::size_t request, std::size_t failures) {
 }
 
 void fail_at_each_request(std::size_t failures) {
+  set_thread_name("TEST");  // what the thread keeps for it stays
   bool failed = true;
   for (std::size_t request = 0; failed; ++request) {
     SCOPED_TRACE(request);
