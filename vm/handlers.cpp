@@ -111,9 +111,9 @@ std::uint32_t handle_op_load_float(vrn_vm_context& context, std::byte* record) {
 }
 
 std::uint32_t handle_op_load_string(vrn_vm_context& context, std::byte* record) {
-  static const std::vector<std::string> no_strings;
-  const auto& strings = context.block->strings ? *context.block->strings : no_strings;
-  top(context) = var_string(strings.at(read_field<std::uint32_t>(record, 4)));
+  const auto* const strings = context.block->strings.get();
+  const auto index = read_field<std::uint32_t>(record, 4);
+  top(context) = var_string(strings ? strings->at(index) : std::vector<std::string>().at(index));
   return size_of<op_load_string>;
 }
 
@@ -315,6 +315,7 @@ std::uint32_t handle_op_call(vrn_vm_context& context, std::byte*) {
   } else {
     context.task->call_stack.push_back(routine->handle());
     routine->active = true;
+    routine->entered_by = context.task->start;
   }
   return size_of<op_call>;
 }

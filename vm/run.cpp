@@ -11,6 +11,7 @@
 #include <vornscript/log.hpp>
 #include <vornscript/program_block.hpp>
 #include <vornscript/std_function.hpp>
+#include <vornscript/task.hpp>
 
 #include "compiler/instruction.hpp"
 #include "vm/handlers.hpp"
@@ -63,9 +64,13 @@ void log_speed(std::uint32_t count, std::uint64_t nanoseconds) {
 // Where the loop stands; puts it down in the routine, however the run ends.
 class run_position {
  public:
-  explicit run_position(vrn_program_block_routine& routine)
-      : routine_(routine), code_(routine.instructions()), at_(code_.data() + routine.saved_pc) {
+  run_position(vrn_program_block_routine& routine, const vrn_task& task)
+      : routine_(routine),
+        task_(task),
+        code_(routine.instructions()),
+        at_(code_.data() + routine.saved_pc) {
     routine_.active = true;
+    routine_.entered_by = task.start;
   }
   // An exception leaves the routine at its end: what the task has on its stacks no longer fits the
   // code in between.
@@ -73,6 +78,8 @@ class run_position {
     if (!left_) at_ = end();
     routine_.saved_pc = static_cast<std::uint32_t>(at_ - code_.data());
     routine_.active = at_ < end();
+    routine_.stopped_values = task_.value_stack.size();
+    routine_.stopped_frames = task_.frame_depth;
   }
   run_position(const run_position&) = delete;
   run_position& operator=(const run_position&) = delete;
@@ -86,6 +93,7 @@ class run_position {
 
  private:
   vrn_program_block_routine& routine_;
+  const vrn_task& task_;
   std::span<std::byte> code_;
   std::byte* at_;
   bool left_ = false;
@@ -97,7 +105,7 @@ std::uint32_t run(vrn_program_block_routine& routine, vrn_task& task) {
   std::uint32_t stop = run_status::go_on;
   std::uint32_t count = 0;
   vrn_vm_context context{&task, &routine, &stop};
-  run_position position(routine);
+  run_position position(routine, task);
   const vrn_clock& clock = current_clock();
   const std::uint64_t start = clock.monotonic_ns();
 

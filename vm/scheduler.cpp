@@ -27,22 +27,44 @@ vrn_program_block_routine* top_routine(const vrn_task& task) {
   return task.call_stack.empty() ? nullptr : task.call_stack.back().get();
 }
 
-bool cannot_run(vrn_task& task) {
+// A routine that was stopped in the middle needs what it left on the stacks, and as much as it
+// left: values of another task may serve, an open argument frame has to be the very one.
+bool can_go_on(const vrn_program_block_routine& routine, const vrn_task& task) {
+  const bool in_the_middle = routine.saved_pc > 0 && routine.saved_pc < routine.code->size();
+  if (!in_the_middle) return true;
+  return routine.stopped_values == task.value_stack.size() &&
+         routine.stopped_frames == task.frame_depth &&
+         (task.frame_depth == 0 || routine.entered_by == task.start);
+}
+
+// The task ends. Routines that it leaves in the middle are over, since nobody has what they had on
+// the stacks; those that it has not begun, or that another task is in, stay as they are.
+void end(vrn_task& task) noexcept {
   task.active = false;
+  for (const auto& handle : task.call_stack) {
+    vrn_program_block_routine* const routine = handle.get();
+    if (!routine || !routine->active || routine->entered_by != task.start) continue;
+    if (routine->saved_pc > 0) {
+      routine->saved_pc = static_cast<std::uint32_t>(routine->instructions().size());
+    }
+    routine->active = false;
+  }
+}
+
+bool cannot_run(vrn_task& task) {
+  end(task);
   log_line(vrn_log_level::error, "Cannot run task!");
   return false;
 }
 
 bool finished(vrn_task& task) {
-  task.active = false;
+  end(task);
   log_task(task, " finished.");
   return false;
 }
 
-// What a task needs to be dropped in the middle of its work.
 void fail(vrn_task& task, const char* reason) {
-  task.active = false;
-  task.frame_depth = 0;
+  end(task);
   log_line(vrn_log_level::error, "Task failed: ", reason);
 }
 
@@ -64,7 +86,10 @@ std::uint64_t due_time(std::uint64_t now, std::int64_t delay) {
 
 }  // namespace
 
-void release_last(vrn_task* task) noexcept { const std::unique_ptr<vrn_task> owned(task); }
+void release_last(vrn_task* task) noexcept {
+  const std::unique_ptr<vrn_task> owned(task);
+  if (task->active) end(*task);
+}
 
 vrn_ref<vrn_task> task_create(vrnptr<vrn_program_block_routine>&& routine) {
   auto task = std::make_unique<vrn_task>();
@@ -79,9 +104,7 @@ vrn_ref<vrn_task> task_create(const vrn_program& program) {
 }
 
 void task_run(vrn_task& task, std::int64_t delay_ms) {
-  vrn_program_block_routine* const routine = top_routine(task);
-  // A routine that another task is in the middle of cannot be gone on with on other stacks.
-  if (task.active || !routine || routine->active) {
+  if (task.active || !top_routine(task)) {
     log_line(vrn_log_level::error, "Cannot run task!");
     return;
   }
@@ -89,12 +112,14 @@ void task_run(vrn_task& task, std::int64_t delay_ms) {
     log_line(vrn_log_level::error, "TODO: Cleanup old routine data here!");
   }
   task.pending_calls = 0;
+  task.frame_depth = 0;
+  task.start = ++current_script->state().starts;
   task.value_stack.clear();
   task.value_stack.resize(1);
   log_task(task, " scheduled (eta: ", delay_ms, ").");
   schedule(task, delay_ms);
   // Last, so that a start that runs out of memory can be repeated.
-  task.active = routine->active = true;
+  task.active = true;
 }
 
 void schedule(vrn_task& task, std::int64_t delay_ms) {
@@ -112,7 +137,7 @@ bool task_continue(vrn_task& task) {
   }
   for (;;) {
     vrn_program_block_routine* const routine = top_routine(task);
-    if (!routine) return cannot_run(task);
+    if (!routine || !can_go_on(*routine, task)) return cannot_run(task);
     switch (run(*routine, task)) {
       case run_status::go_on:
       case run_status::reserved:

@@ -103,6 +103,12 @@ class vrn_program_block_routine final
   std::uint32_t saved_pc = 0;  // offset into the code
   bool active = false;         // entered, and not yet run to its end
 
+  // The start of a task (see vrn_task) that entered this routine last, and how deep that task's
+  // stacks were when it stopped in the middle.
+  std::uint64_t entered_by = 0;
+  std::size_t stopped_values = 0;
+  std::uint32_t stopped_frames = 0;
+
   // The native functions whose addresses stand in the code.
   std::set<vrn_ref<vrn_std_function>> natives;
 };

@@ -24,6 +24,7 @@ struct vrn_task {
   std::uint32_t pending_calls = 0;
   std::vector<std::vector<vrnvar_shared>> argument_frames;  // those above the depth are spare
   std::uint32_t frame_depth = 0;
+  std::uint64_t start = 0;  // the number of its last start, which no other of the interpreter has
 };
 void release_last(vrn_task* task) noexcept;
 
@@ -33,8 +34,10 @@ vrn_ref<vrn_task> task_create(vrnptr<vrn_program_block_routine>&& routine);
 // A task for a program's top-level code; one that cannot be run when the program is empty.
 vrn_ref<vrn_task> task_create(const vrn_program& program);
 
-// Starts the task: it becomes due `delay_ms` from now. One that is active already, that has no live
-// routine, or whose routine another task is in the middle of, is refused with a line in the log.
+// Starts the task: it becomes due `delay_ms` from now. One that is active already, or that has no
+// live routine, is refused with a line in the log. A routine that another task is in the middle of
+// is gone on with where it stands, if this task's stacks are as deep as the code there needs them;
+// else the task ends with the same line when it is due.
 void task_run(vrn_task& task, std::int64_t delay_ms);
 
 // Makes the task due `delay_ms` from now, unless it is scheduled already.

@@ -68,14 +68,57 @@ TEST_F(scheduler_test, due_times) {
 }
 
 TEST_F(scheduler_test, starts_that_are_refused) {
-  const auto task = started("wait() { sleep(9); 1 } x = 1 + wait(); print(x);");
+  const auto task = started("print(1);");
   EXPECT_TRUE(refused(task));
-  tick();
-  // In the middle of an expression, for which another task has no values.
-  EXPECT_TRUE(refused(task_create(programs_[0])));
-  EXPECT_EQ(tick(9), strings{"2"});
+  EXPECT_EQ(tick(), strings{"1"});
   // Its code is at its end; it is started all the same.
   EXPECT_FALSE(refused(task));
+  EXPECT_TRUE(refused(task_create(vrn_program())));
+}
+
+// A task on a routine that another one has stopped in.
+TEST_F(scheduler_test, tasks_that_share_a_routine) {
+  const struct {
+    const char* text;
+    strings at_once, errors, later;
+  } rows[] = {
+      // The second goes on between two statements, where the stacks are as deep as its own.
+      {"print(1); sleep(9); print(2);", {"1", "2"}, {}, {}},
+      // In the middle of an expression its stack is not deep enough.
+      {"x = 1 + sleep(9); print(2);", {}, {"Cannot run task!"}, {"2"}},
+      {"wait() { sleep(9); 1 } x = 1 + wait(); print(x);", {}, {"Cannot run task!"}, {"2"}},
+      // An argument frame has to be the one that was open.
+      {"wait() { sleep(9); 1 } print(wait());", {}, {"Cannot run task!"}, {"1"}},
+  };
+  for (const auto& row : rows) {
+    const auto first = started(row.text);
+    const auto second = task_create(programs_.back());
+    task_run(*second, 0);
+    EXPECT_EQ(tick(), row.at_once) << row.text;
+    EXPECT_EQ(errors(), row.errors) << row.text;
+    EXPECT_FALSE(second->active) << row.text;
+    EXPECT_EQ(tick(9), row.later) << row.text;
+    EXPECT_FALSE(first->active) << row.text;
+  }
+}
+
+// A task that ends in the middle of routines puts them at their end; others may enter them again.
+TEST_F(scheduler_test, routines_of_a_task_that_has_failed) {
+  const auto failed = started(
+      "deep() { fail('now') } inner() { print(1, deep()) } entered(a) { print(a) }"
+      "entered(inner()); print('not reached');");
+  tick();
+  EXPECT_EQ(errors(), strings{"Task failed: now"});
+  const auto* const main = programs_.back()->main.get();
+  for (const auto& routine : *main->children) {
+    EXPECT_FALSE(routine->active);
+    EXPECT_EQ(routine->saved_pc > 0, routine != main->children->back());
+  }
+  EXPECT_EQ(main->saved_pc, main->code->size());
+  const auto again = task_create(programs_.back());
+  task_run(*again, 0);
+  EXPECT_EQ(tick(), strings());
+  EXPECT_EQ(errors(), strings());
 }
 
 TEST_F(scheduler_test, statuses) {
@@ -102,7 +145,6 @@ TEST_F(scheduler_test, a_task_that_throws_ends_alone) {
     started("print('other'); sleep(1); print('too');");
     EXPECT_EQ(tick(), strings{"other"});
     EXPECT_EQ(errors(), strings{"Task failed: " + reason});
-    EXPECT_EQ(task->frame_depth, 0U);
     EXPECT_EQ(tick(1), strings{"too"});
     EXPECT_FALSE(task->active);
   }
