@@ -13,6 +13,9 @@
 namespace vorn {
 namespace {
 
+// Positions in the code of a routine have 32 bits.
+constexpr std::size_t code_size_max = 0xFFFF'FFFF;
+
 // The block as one that takes code, or null.
 vrn_program_block_routine* code_block(vrn_program_block_base& block) {
   return block.kind == vrn_block_kind::routine ? static_cast<vrn_program_block_routine*>(&block)
@@ -46,7 +49,10 @@ bool vrn_code_generator::compile_list(vrn_program_block_base& block,
   for (const vrn_node& node : nodes) {
     if (!compile(block, *node)) return false;
   }
-  return true;
+  const vrn_program_block_routine* const routine = code_block(block);
+  if (!routine || !routine->code || routine->code->size() <= code_size_max) return true;
+  log_line(vrn_log_level::error, "Program is too large.");
+  return false;
 }
 
 // Operators and assignments wait on a stack while their two parts are compiled, so neither long nor

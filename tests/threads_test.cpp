@@ -36,6 +36,52 @@ TEST(threads_test, four_interpreters_at_once) {
   for (auto& thread : threads) thread = std::jthread(work, first++);
 }
 
+// Nothing is done but to say so; an interpreter that ends elsewhere releases what it has.
+TEST(threads_test, an_interpreter_on_another_thread) {
+  std::optional<script_host> host;
+  vrn_program program;
+  vrn_ref<vrn_task> task;
+  std::thread([&] {
+    host.emplace();
+    program = host->load("print(1); sleep(1000);");
+    task = task_create(program);
+    task_run(*task, 0);
+    vrnptr<vrn_program_block_routine>& handle = task->call_stack.back();
+    // The same index, and a generation that nobody else has.
+    std::thread([&handle] {
+      script_host other;
+      const vrn_program first = other.load("print(2);");
+      EXPECT_EQ(handle.get(), nullptr);
+    }).join();
+  }).join();
+  const auto use = [&] {
+    host->script.tick();
+    EXPECT_FALSE(host->loader.create_program("main.vrs"));
+    EXPECT_FALSE(host->loader.create_program("print(1);", "text"));
+  };
+  const auto log = host->log;
+  testing::internal::CaptureStderr();
+  use();
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "tick() called on a thread that is not the interpreter's!\n"
+            "create_program() called on a thread that is not the interpreter's!\n");
+  {
+    script_host own;
+    use();
+    program = {};
+    task = {};
+    host.reset();
+    strings expected(4, " called on a thread that is not the interpreter's!");
+    const char* const operations[] = {"tick()", "create_program()", "create_program()",
+                                      "~vrnscript()"};
+    for (std::size_t k = 0; k < 4; ++k) expected[k].insert(0, operations[k]);
+    EXPECT_EQ(own.log->texts(vrn_log_level::error), expected);
+    EXPECT_EQ(own.output_of("print(3);"), strings{"3"});
+  }
+  EXPECT_EQ(log->texts(vrn_log_level::error), strings());
+  EXPECT_EQ(current_script, nullptr);
+}
+
 // Two threads, of which one has an interpreter too, drop a million values while their owner ticks.
 // Some they change before, which drops the payload by itself.
 TEST(threads_test, values_dropped_elsewhere_come_back_once) {

@@ -1,6 +1,6 @@
 // What still works when a thread's and the process's own objects go: lines, and deep releases. Each
-// case is a process of its own, "endings CASE static|thread"; its last object lies in static storage
-// or is the thread's.
+// case is a process of its own, "endings CASE static|thread"; its last object lies in static
+// storage or is the thread's.
 #include <functional>
 #include <memory>
 #include <optional>

@@ -12,6 +12,9 @@
 #include "compiler/registry.hpp"
 #include "tests/support/script_host.hpp"
 
+// In a shared library with hidden names; see border/border.cpp.
+extern "C" const void* resolve_beyond_border(const vorn::vrnptr_base& handle);
+
 namespace vorn {
 namespace {
 
@@ -73,6 +76,7 @@ TEST(vrnscript_test, what_handles_mean) {
   const auto main = program->main->handle();
   EXPECT_EQ(root.get(), program.get());
   EXPECT_EQ(main.get(), program->main.get());
+  EXPECT_EQ(resolve_beyond_border(main), program->main.get());
   EXPECT_EQ(vrnptr<routine>(main.index, vrnptr_base::none).get(), nullptr);
   EXPECT_EQ(vrnptr<routine>(main.index + 1, main.generation).get(), nullptr);
   // Registered as another type.
@@ -87,6 +91,43 @@ TEST(vrnscript_test, what_handles_mean) {
   EXPECT_EQ(root.get(), nullptr);
   EXPECT_EQ(main.get(), nullptr);
   EXPECT_EQ(program->main->handle().get(), program->main.get());
+}
+
+// A class with virtual functions, whose registered base stands behind another.
+struct has_functions {
+  virtual ~has_functions() = default;
+};
+struct registered : has_functions, vrnptr_register<registered, vrnptr_base> {};
+
+TEST(vrnscript_test, handles_to_classes_of_the_host) {
+  const script_host host;
+  const registered object;
+  EXPECT_EQ(object.handle().get(), &object);
+}
+
+// What functions have captured goes when the pools have gone.
+TEST(vrnscript_test, captures_that_use_the_interpreter_at_its_end) {
+  struct user {
+    explicit user(const vrnptr_base& of) : handle(of) {}
+    ~user() {
+      EXPECT_EQ(handle.get(), nullptr);
+      log_line(vrn_log_level::out, var_string("a text that stands on the heap")->to_text());
+    }
+    vrnptr<vrn_program_block_routine> handle;
+  };
+  std::optional<script_host> host(std::in_place);
+  const auto log = host->log;
+  const vrn_program program = host->load("1;");
+  host->script.register_std_function(
+      "f",
+      [capture = std::make_shared<user>(program->main->handle())](auto&, auto&) {
+        return capture ? var_none() : vrnvar_shared();
+      },
+      0, 0);
+  host.reset();
+  EXPECT_EQ(log->records.back().text, "a text that stands on the heap");
+  EXPECT_EQ(current_script, nullptr);
+  EXPECT_EQ(log_override, nullptr);
 }
 
 TEST(vrnscript_test, log_override_wins_over_interpreter_wins_over_silence) {
