@@ -148,14 +148,14 @@ int measure_print(std::string_view function, std::string_view who) {
   }
   const std::string_view line_end = function == "io.write" ? "\\n" : "";
   if (host && !host->load(lines(function, line_end, printed_lines))) return 1;
-  std::fflush(stdout);
+  std::fflush(nullptr);
   const double start = processor_seconds();
   if (host) {
     host->run();
   } else {
     write_raw(printed_lines);
   }
-  std::fflush(stdout);
+  std::fflush(nullptr);
   report(processor_seconds() - start, 0);
   return 0;
 }

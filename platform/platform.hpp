@@ -30,11 +30,15 @@ void sleep_ms(std::uint32_t milliseconds) noexcept;
 // The path of the running executable; empty when it cannot be had.
 std::string executable_path();
 
-// The console: standard output. Nothing written to it is flushed before flush_console(), the end of
-// the program or, when it is a terminal and has not been given a buffer, the end of the line.
+// The console: standard output, by the C library's stream, so that lines keep their order among
+// what others print. Nothing written to it is flushed before flush_console(), the end of the
+// program (the very end: destructors of static objects may write) or, on a terminal, the end of the
+// line. Where standard output does not block, each text is passed on at once, and waits until it
+// has gone.
 
-// Gives the console a buffer that is written when it is full or flushed, on a terminal too. Called
-// by a program that flushes by itself, before it writes anything.
+// Gives the console a stream of its own with a large buffer, which is written when it is full or
+// flushed, on a terminal too; what others print keeps no order with it. Called by a program that
+// flushes by itself, before it writes anything.
 void buffer_console() noexcept;
 
 // Begins a line in the colour of a text attribute (red 4, green 2, blue 1). Only a terminal shows
@@ -48,7 +52,7 @@ void flush_console() noexcept;
 // Hands a coloured terminal back in its default colour, and flushes.
 void end_console() noexcept;
 
-// Writes to standard error, unbuffered.
+// Writes to standard error, unbuffered, with one call; waits as the console does.
 void write_error(std::string_view text) noexcept;
 
 // From here on, the user's first wish to end the program (an interrupt or a termination signal) is

@@ -1,9 +1,13 @@
 #include "platform/platform.hpp"
 
+#include <fcntl.h>
+#include <poll.h>
 #include <pthread.h>
+#include <stdio_ext.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <cstddef>
 #include <cstdio>
@@ -41,6 +45,61 @@ std::uint64_t read_clock(clockid_t clock, std::uint64_t units_per_second) noexce
   const std::uint64_t nanoseconds_per_unit = 1'000'000'000 / units_per_second;
   return static_cast<std::uint64_t>(now.tv_sec) * units_per_second +
          static_cast<std::uint64_t>(now.tv_nsec) / nanoseconds_per_unit;
+}
+
+bool blocks(int descriptor) noexcept {
+  const int flags = fcntl(descriptor, F_GETFL);
+  return flags == -1 || (flags & O_NONBLOCK) == 0;
+}
+
+void wait_until_writable(int descriptor) noexcept {
+  pollfd entry{descriptor, POLLOUT, 0};
+  poll(&entry, 1, -1);
+}
+
+// Writes all of a text, also to a descriptor that does not block; returns how much was written
+// before an error.
+std::size_t write_all(int descriptor, std::string_view text) noexcept {
+  std::size_t written = 0;
+  while (written < text.size()) {
+    const ssize_t count = write(descriptor, text.data() + written, text.size() - written);
+    if (count >= 0) {
+      written += static_cast<std::size_t>(count);
+    } else if (errno == EAGAIN) {
+      wait_until_writable(descriptor);
+    } else if (errno != EINTR) {
+      break;
+    }
+  }
+  return written;
+}
+
+// The console's own stream, from buffer_console() on. It waits by itself, and is never closed: the
+// C library writes what it holds after the last destructor of the program.
+std::FILE* own_stream = nullptr;
+
+void flush_stream(std::FILE* stream) noexcept {
+  if (!blocks(fileno(stream))) wait_until_writable(fileno(stream));
+  std::fflush(stream);
+}
+
+bool fits_buffer(std::FILE* stream, std::size_t size) noexcept {
+  const std::size_t held = __fpending(stream);
+  return held != 0 && __flbf(stream) == 0 && size < __fbufsize(stream) - held;
+}
+
+// The streams of the C library drop what a descriptor that does not block will not take at once.
+// Such a descriptor is written to directly; asking when a buffer is begun or full is often enough,
+// and costs no system call for each line.
+void write_stream(std::FILE* stream, std::string_view text) noexcept {
+  flockfile(stream);
+  if (fits_buffer(stream, text.size()) || blocks(fileno(stream))) {
+    fwrite_unlocked(text.data(), 1, text.size(), stream);
+  } else {
+    flush_stream(stream);
+    write_all(fileno(stream), text);
+  }
+  funlockfile(stream);
 }
 
 std::atomic<bool> stop_flag{false};
@@ -84,7 +143,11 @@ std::string executable_path() {
 
 void buffer_console() noexcept {
   static char buffer[console_buffer_size];
-  std::setvbuf(stdout, buffer, _IOFBF, sizeof buffer);
+  const auto write_cookie = [](void*, const char* text, std::size_t size) {
+    return static_cast<ssize_t>(write_all(STDOUT_FILENO, {text, size}));
+  };
+  own_stream = fopencookie(nullptr, "w", {nullptr, write_cookie, nullptr, nullptr});
+  if (own_stream) std::setvbuf(own_stream, buffer, _IOFBF, sizeof buffer);
 }
 
 void begin_line(std::string& line, int attribute) {
@@ -92,24 +155,32 @@ void begin_line(std::string& line, int attribute) {
 }
 
 void write_console(std::string_view text) noexcept {
-  std::fwrite(text.data(), 1, text.size(), stdout);
+  if (own_stream) {
+    std::fwrite(text.data(), 1, text.size(), own_stream);
+  } else {
+    write_stream(stdout, text);
+  }
 }
 
-void flush_console() noexcept { std::fflush(stdout); }
+void flush_console() noexcept {
+  if (own_stream) {
+    std::fflush(own_stream);
+  } else {
+    flush_stream(stdout);
+  }
+}
 
 void end_console() noexcept {
   if (coloured()) write_console(default_colour);
   flush_console();
 }
 
-void write_error(std::string_view text) noexcept {
-  std::fwrite(text.data(), 1, text.size(), stderr);
-}
+void write_error(std::string_view text) noexcept { write_stream(stderr, text); }
 
 void install_stop_signals() noexcept {
   struct sigaction action {};
   action.sa_handler = handle_stop;
-  action.sa_flags = SA_RESTART;  // or a stream would drop what it is writing
+  action.sa_flags = SA_RESTART;
   sigaddset(&action.sa_mask, SIGINT);
   sigaddset(&action.sa_mask, SIGTERM);
   sigaction(SIGINT, &action, nullptr);

@@ -46,16 +46,33 @@ trap '' PIPE
 "$host" > >(exec true) || expect 'nobody reads' 0 $?
 trap - PIPE
 
+# start OPTION [COMMAND...]: the host, its signals set by an option of env, once it has scheduled its
+# script. What it writes, after the command's output, is read from $lines.
+start() {
+  exec {lines}< <("${@:2}"; exec env "$1" "$host")
+  pid=$!
+  while read -r -u "$lines" line && [[ $line != *'SCHEDULE TEST!'* ]]; do :; done
+}
+
 # It runs until it is told to stop, and what it writes is there at once.
 echo 'print("unheard");' >test_simple.vrs
 for signal in INT TERM; do
-  exec {lines}< <(exec "$host")
-  pid=$!
-  while read -r -u "$lines" line && [[ $line != *'SCHEDULE TEST!'* ]]; do :; done
+  start --default-signal=INT,TERM true
   kill -s "$signal" "$pid"
   wait "$pid"
   expect "stopped by $signal" 'status 0' "status $?"
   exec {lines}<&-
 done
+
+# A full pipe that does not block is waited for.
+printf 'print("%0100d");\n' {1..2000} >test_simple.vrs
+start --default-signal=INT,TERM dd oflag=nonblock count=0 status=none
+heard=0
+while ((heard < 2000)) && read -r -t 20 -u "$lines" line; do
+  [[ $line == *"] > 0"*"0$((heard + 1))" ]] && heard=$((heard + 1))
+done
+kill -s TERM "$pid"
+wait "$pid"
+expect 'a full pipe' '2000 lines, status 0' "$heard lines, status $?"
 
 exit $((failures != 0))

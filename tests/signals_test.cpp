@@ -1,4 +1,5 @@
-// Signals that come all the time, while a script is loaded, runs and writes into a pipe.
+// Signals that come all the time, while a script is loaded, runs and writes into a pipe, and a pipe
+// that does not block.
 #include <atomic>
 #include <csignal>
 #include <cstdio>
@@ -28,12 +29,13 @@ void load_and_run() {
   script.tick();
 }
 
-// What is written to standard output, here a pipe that is mostly full: the thread that reads from
-// it sends a signal (0 is none) each time it looks.
-std::string output(int signal) {
+// What is written to standard output, here a small pipe that is mostly full: the thread that reads
+// from it sends a signal (0 is none) each time it looks.
+std::string output(int signal, int pipe_flags) {
   int ends[2];
   EXPECT_EQ(pipe2(ends, O_NONBLOCK), 0);
-  EXPECT_EQ(fcntl(ends[1], F_SETFL, 0), 0);
+  EXPECT_EQ(fcntl(ends[1], F_SETFL, pipe_flags), 0);
+  EXPECT_NE(fcntl(ends[1], F_SETPIPE_SZ, 4096), -1);
   std::fflush(stdout);
   const int before = dup(STDOUT_FILENO);
   dup2(ends[1], STDOUT_FILENO);
@@ -61,9 +63,10 @@ TEST(signals_test, output_is_the_same) {
   action.sa_handler = [](int) { ++received; };
   action.sa_flags = SA_RESTART;
   sigaction(SIGUSR1, &action, nullptr);
-  const std::string expected = output(0);
+  const std::string expected = output(0, 0);
   EXPECT_NE(expected.find("> 9998\n"), std::string::npos);
-  EXPECT_EQ(output(SIGUSR1), expected);
+  EXPECT_EQ(output(SIGUSR1, 0), expected);
+  EXPECT_EQ(output(SIGUSR1, O_NONBLOCK), expected);
   EXPECT_GT(received, 0);
 }
 
