@@ -56,7 +56,8 @@ void end_console() noexcept;
 void write_error(std::string_view text) noexcept;
 
 // From here on, the user's first wish to end the program (an interrupt or a termination signal) is
-// only noted; the second ends it at once. Called by the main thread.
+// only noted; the second ends it at once. A signal that is ignored stays so. Called by the main
+// thread.
 void install_stop_signals() noexcept;
 bool stop_requested() noexcept;
 

@@ -102,13 +102,22 @@ void write_stream(std::FILE* stream, std::string_view text) noexcept {
   funlockfile(stream);
 }
 
+constexpr int stop_signals[] = {SIGINT, SIGTERM};
+
+bool ignored(int signal) noexcept {
+  struct sigaction action {};
+  sigaction(signal, nullptr, &action);
+  return action.sa_handler == SIG_IGN;
+}
+
 std::atomic<bool> stop_flag{false};
 static_assert(std::atomic<bool>::is_always_lock_free, "set by a signal handler");
 
 void handle_stop(int) {
   stop_flag.store(true, std::memory_order_relaxed);
-  signal(SIGINT, SIG_DFL);
-  signal(SIGTERM, SIG_DFL);
+  for (const int number : stop_signals) {
+    if (!ignored(number)) signal(number, SIG_DFL);
+  }
 }
 
 }  // namespace
@@ -181,10 +190,10 @@ void install_stop_signals() noexcept {
   struct sigaction action {};
   action.sa_handler = handle_stop;
   action.sa_flags = SA_RESTART;
-  sigaddset(&action.sa_mask, SIGINT);
-  sigaddset(&action.sa_mask, SIGTERM);
-  sigaction(SIGINT, &action, nullptr);
-  sigaction(SIGTERM, &action, nullptr);
+  for (const int number : stop_signals) sigaddset(&action.sa_mask, number);
+  for (const int number : stop_signals) {
+    if (!ignored(number)) sigaction(number, &action, nullptr);
+  }
 }
 
 bool stop_requested() noexcept { return stop_flag.load(std::memory_order_relaxed); }
