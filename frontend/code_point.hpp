@@ -36,11 +36,15 @@ inline code_point read_code_point(const char* at, const char* end) {
   return lead < 0x80 ? code_point{lead, 1} : read_long_code_point(at, end);
 }
 
+// Whether a byte continues the character before it.
+inline bool continues_character(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
 // The number of characters in a text, read by bytes: those that continue none before them.
 inline std::uint32_t count_characters(std::string_view text) {
-  return static_cast<std::uint32_t>(std::count_if(text.begin(), text.end(), [](char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
-  }));
+  return static_cast<std::uint32_t>(std::count_if(
+      text.begin(), text.end(), [](char byte) { return !continues_character(byte); }));
 }
 
 }  // namespace vorn

@@ -6,10 +6,21 @@
 
 #include <vornscript/log.hpp>
 
+#include "frontend/code_point.hpp"
+
 namespace vorn {
 namespace {
 
 constexpr std::string_view rule = "------------------------------------------------------------";
+
+// Lines that are longer are shown in part.
+constexpr std::size_t shown_max = 1024;
+
+struct message_text {
+  std::string_view text;
+  std::string_view operand;
+  std::string_view ending;
+};
 
 // The line and column, however they are introduced.
 void append_position(std::string& block, std::string_view before_line, std::uint32_t line,
@@ -21,9 +32,9 @@ void append_position(std::string& block, std::string_view before_line, std::uint
 }
 
 // The shown line and, unless it would fall past the line's end, the caret below it.
-void append_excerpt(std::string& block, const vrn_src_place& place, std::size_t line_width) {
-  std::string_view shown = place.excerpt.substr(0, place.excerpt.find('\n'));
-  std::size_t caret = place.column;
+void append_excerpt(std::string& block, const vrn_src_place& place, std::size_t caret,
+                    std::size_t line_width) {
+  std::string_view shown = place.excerpt;
   const std::size_t indent = shown.find_first_not_of(' ');
   if (indent != std::string_view::npos && caret >= indent) {
     shown.remove_prefix(indent);
@@ -38,10 +49,28 @@ void append_excerpt(std::string& block, const vrn_src_place& place, std::size_t 
   }
 }
 
-void report_block(const vrn_src_place& place, std::string_view message, std::string_view trace) {
-  vrn_log_base& logger = get_log();
-  if (!logger.enabled(vrn_log_level::error)) return;
+// Where the file of an included token is included, the main file first, then the token's own line.
+void append_include_trace(std::string& block, const vrn_src_place& place,
+                          const vrn_src_token_view* source) {
+  std::vector<const vrn_src_token_view*> chain;
+  for (; source && source->parent; source = source->parent) chain.push_back(source);
+  if (chain.empty()) return;
 
+  for (auto view = chain.rbegin(); view != chain.rend(); ++view) {
+    const vrn_src_token& included_at = *(*view)->included_at;
+    block.append("\n|-- ").append((*view)->parent->name);
+    append_position(block, " --> Line ", static_cast<std::uint32_t>(included_at.line), ", Index ",
+                    included_at.column);
+  }
+  block.append("\n`--> ").append(place.file_name);
+  append_position(block, " --> Line ", place.line, ", Index ", place.column);
+  const std::size_t indent = std::min(place.excerpt.find_first_not_of(' '), place.excerpt.size());
+  block.append("\n>>> ").append(place.excerpt.substr(indent));
+}
+
+// The place's excerpt is what is shown; the caret is counted in it.
+void write_report(vrn_log_base& logger, const vrn_src_place& place, std::size_t caret,
+                  const message_text& message, const vrn_src_token_view* source) {
   const std::size_t line_width = std::to_string(place.line).size();
   std::string block = "Syntax Error ***\n";
   block.append(rule) += '\n';
@@ -49,61 +78,67 @@ void report_block(const vrn_src_place& place, std::string_view message, std::str
   append_position(block, ":", place.line, ":", place.column);
   block += '\n';
   block.append(line_width + 2, ' ') += "|\n";
-  append_excerpt(block, place, line_width);
+  append_excerpt(block, place, caret, line_width);
   block.append(line_width + 2, ' ') += "|\n\n";
-  block.append("*** ").append(message).append(trace) += '\n';
+  block.append("*** ").append(message.text).append(message.operand).append(message.ending);
+  append_include_trace(block, place, source);
+  block += '\n';
   block += rule;
   logger.error(block);
 }
 
-// Where the file of an included token is included, the main file first, then the token's own line.
-std::string include_trace(const vrn_src_place& place, const vrn_src_token_view* source) {
-  std::vector<const vrn_src_token_view*> chain;
-  for (; source && source->parent; source = source->parent) chain.push_back(source);
-  std::string trace;
-  if (chain.empty()) return trace;
-
-  for (auto view = chain.rbegin(); view != chain.rend(); ++view) {
-    const vrn_src_token& included_at = *(*view)->included_at;
-    trace.append("\n|-- ").append((*view)->parent->name);
-    append_position(trace, " --> Line ", static_cast<std::uint32_t>(included_at.line), ", Index ",
-                    included_at.column);
-  }
-  trace.append("\n`--> ").append(place.file_name);
-  append_position(trace, " --> Line ", place.line, ", Index ", place.column);
-  const std::size_t indent = std::min(place.excerpt.find_first_not_of(' '), place.excerpt.size());
-  trace.append("\n>>> ").append(place.excerpt.substr(indent));
-  return trace;
+// What is shown of a long line from a position on, without the characters that an end would cut.
+std::string_view shown_piece(std::string_view line, std::size_t begin) {
+  std::size_t end = std::min(begin + shown_max, line.size());
+  while (begin < end && continues_character(line[begin])) ++begin;
+  while (begin < end && end < line.size() && continues_character(line[end])) --end;
+  return line.substr(begin, end - begin);
 }
 
-std::string completed(std::string_view text, std::string_view operand, std::string_view ending) {
-  return std::string(text).append(operand).append(ending);
+// Where in its line a token stands, at most at the line's end. A string that begins on an earlier
+// line stands where its column falls in its last.
+std::size_t offset_in_line(std::string_view line, const vrn_src_token& token) {
+  const auto line_start = static_cast<std::size_t>(line.data() - token.source->text.data());
+  if (token.index >= line_start) return std::min(token.index - line_start, line.size());
+  std::size_t offset = 0;
+  for (std::uint32_t column = 0; offset < line.size(); ++offset) {
+    if (!continues_character(line[offset]) && column++ == token.column) break;
+  }
+  return offset;
 }
 
 }  // namespace
 
-void report(const vrn_src_place& place, std::string_view message) {
-  report_block(place, message, {});
-}
-
-void report(const vrn_src_token& token, std::string_view message) {
-  const vrn_src_token_view* source = token.source;
-  vrn_src_place place{{}, static_cast<std::uint32_t>(token.line), token.column, {}};
-  if (source) {
-    place.file_name = source->name;
-    place.excerpt = source->line_text(token.line);
-  }
-  report_block(place, message, include_trace(place, source));
-}
-
 void report(const vrn_src_place& place, std::string_view text, std::string_view operand,
             std::string_view ending) {
-  report(place, completed(text, operand, ending));
+  vrn_log_base& logger = get_log();
+  if (!logger.enabled(vrn_log_level::error)) return;
+  // The line is searched no further than it is shown.
+  std::string_view line = place.excerpt.substr(0, shown_max + 1);
+  line = line.substr(0, line.find('\n'));
+  vrn_src_place shown = place;
+  shown.excerpt = line.size() > shown_max ? shown_piece(line, 0) : line;
+  write_report(logger, shown, place.column, {text, operand, ending}, nullptr);
 }
 
 void report(const vrn_src_token& token, std::string_view text, std::string_view operand,
             std::string_view ending) {
-  report(token, completed(text, operand, ending));
+  vrn_log_base& logger = get_log();
+  if (!logger.enabled(vrn_log_level::error)) return;
+  const vrn_src_token_view* const source = token.source;
+  vrn_src_place place{{}, static_cast<std::uint32_t>(token.line), token.column, {}};
+  std::size_t caret = token.column;
+  if (source) {
+    place.file_name = source->name;
+    place.excerpt = source->line_text(token.line);
+    if (place.excerpt.size() > shown_max) {
+      const std::size_t at = offset_in_line(place.excerpt, token);
+      const std::size_t begin = at - std::min(at, shown_max / 2);
+      caret = count_characters(place.excerpt.substr(begin, at - begin));
+      place.excerpt = shown_piece(place.excerpt, begin);
+    }
+  }
+  write_report(logger, place, caret, {text, operand, ending}, source);
 }
 
 }  // namespace vorn

@@ -13,7 +13,7 @@
 namespace vorn {
 
 // A place in a source file. Of the excerpt, which begins at the place or at the start of its line,
-// the first line is shown.
+// the first line is shown, in its first 1,024 bytes.
 struct vrn_src_place {
   std::string_view file_name;
   std::uint32_t line;
@@ -21,14 +21,13 @@ struct vrn_src_place {
   std::string_view excerpt;
 };
 
-// What the generated reporters call. A token of an included file is shown with the chain of files
-// that included it.
-void report(const vrn_src_place& place, std::string_view message);
-void report(const vrn_src_token& token, std::string_view message);
-void report(const vrn_src_place& place, std::string_view text, std::string_view operand,
-            std::string_view ending);
-void report(const vrn_src_token& token, std::string_view text, std::string_view operand,
-            std::string_view ending);
+// What the generated reporters call; the operand and the ending complete the text. A token is shown
+// in its line, in up to 1,024 bytes of it that lie around the token; one of an included file also
+// with the chain of files that included it.
+void report(const vrn_src_place& place, std::string_view text, std::string_view operand = {},
+            std::string_view ending = {});
+void report(const vrn_src_token& token, std::string_view text, std::string_view operand = {},
+            std::string_view ending = {});
 
 #define VRN_MESSAGE(reporter, text)                                                  \
   inline void report_##reporter(const vrn_src_place& place) { report(place, text); } \

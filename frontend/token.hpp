@@ -58,7 +58,8 @@ struct vrn_src_token_view {
   vrn_src_token_view(const vrn_src_token_view&) = delete;
   vrn_src_token_view& operator=(const vrn_src_token_view&) = delete;
 
-  // The text of a line, from its first byte to its end; empty when there is no such line.
+  // The text of a line, from its first byte to its end; empty when there is no such line. Asked
+  // again for the same line, it need not look for the end.
   std::string_view line_text(std::int32_t line) const;
 
   std::string name;  // the file's canonical path, or "<memory>"
@@ -71,6 +72,10 @@ struct vrn_src_token_view {
   const vrn_src_token_view* parent = nullptr;  // null for the main file
   vrn_token included_at;                       // the operand that named this file in the parent
   vrn_block_store store;                       // of the tokens
+
+ private:
+  mutable std::int32_t measured_line_ = 0;  // the last that was asked for
+  mutable std::size_t measured_length_ = 0;
 };
 
 }  // namespace vorn

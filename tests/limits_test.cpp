@@ -49,6 +49,14 @@ class limits_test : public testing::Test {
                : errors[0].substr(message, errors[0].find('\n', message) - message);
   }
 
+  // What the first report shows of the offending line, and the line with the caret.
+  std::string excerpt(std::string text) {
+    host_.output_of(std::move(text));
+    const std::string report = host_.log->texts(vrn_log_level::error).at(0);
+    const std::size_t first = report.find("|\n") + 2;
+    return report.substr(first, report.rfind("|\n\n") - first);
+  }
+
   // The other levels would only cost time.
   void SetUp() override {
     host_.log->level_mask = static_cast<std::uint32_t>(vrn_log_level::error) |
@@ -97,6 +105,42 @@ TEST_F(limits_test, defines_nest_and_multiply_within_bounds) {
   EXPECT_EQ(defined("#define D@ D$\n", 3000), too_deep);
   EXPECT_EQ(defined("#define D@ D$ + D$\n", 12), "4096\n");
   EXPECT_EQ(defined("#define D@ D$ + D$\n", 40), "*** Define expands to too much.");
+}
+
+TEST_F(limits_test, long_lines_are_shown_in_part) {
+  const auto shown = [](int line, const std::string& text, int caret) {
+    return " " + std::to_string(line) + " | " + text + "\n   " +
+           (caret < 0 ? ""
+                      : "| " + std::string(static_cast<std::size_t>(caret), ' ') + "^~~~~\n   ");
+  };
+  const auto a = [](int bytes) { return repeated("a;", bytes / 2); };
+  EXPECT_EQ(excerpt(a(1020) + "x y;"), shown(1, a(1020) + "x y;", 1020));
+  EXPECT_EQ(excerpt(a(512) + "x y;" + a(9000)), shown(1, a(512) + "x y;" + a(508), 512));
+  EXPECT_EQ(excerpt(a(900) + "\nc" + a(513) + "x y;" + a(9000)),
+            shown(2, a(512) + "x y;" + a(508), 512));
+  EXPECT_EQ(excerpt(a(9000) + "x y;" + a(200)), shown(1, a(512) + "x y;" + a(200), 512));
+  EXPECT_EQ(excerpt(a(600) + repeated(" ", 500) + "x y;" + a(900)),
+            shown(1, a(12) + repeated(" ", 500) + "x y;" + a(508), 512));
+  EXPECT_EQ(excerpt(repeated(" ", 600) + "x y;" + a(900)), shown(1, "x y;" + a(508), 0));
+  // The ends of the piece cut no character.
+  EXPECT_EQ(
+      excerpt(repeated("\u00e9;", 300) + "x y;" + repeated(";\u20ac;", 300)),
+      shown(1, ";" + repeated("\u00e9;", 170) + "x y;" + repeated(";\u20ac;", 101) + ";", 341));
+  EXPECT_EQ(excerpt("x y" + repeated("\x80", 2000)), shown(1, "x ", 0));
+  // A string is shown in its last line, what follows a line end inside of one before that.
+  EXPECT_EQ(excerpt(a(10) + "\"\"\"\n" + a(1200) + "\"\"\"(1)"), shown(2, a(1024), 10));
+  EXPECT_EQ(excerpt(a(600) + "\"" + a(600) + "\\\n" + a(600) + "\"; x y"),
+            shown(1, ";" + a(510) + "\\", -1));
+  // The lexer shows what follows the place; its caret keeps the column.
+  EXPECT_EQ(excerpt(a(1000) + "1e" + a(1050)), shown(1, "1e" + a(1022), 1000));
+  EXPECT_EQ(excerpt(a(1024) + "\"" + repeated("\u00e9", 600)),
+            shown(1, "\"" + repeated("\u00e9", 511), -1));
+
+  host_.files->add("part.vrs", a(9000) + "x y;" + a(9000));
+  host_.output_of("#include \"part\"");
+  EXPECT_NE(
+      host_.log->texts(vrn_log_level::error).at(0).find("\n>>> " + a(512) + "x y;" + a(508) + "\n"),
+      std::string::npos);
 }
 
 TEST_F(limits_test, long_chains) {
