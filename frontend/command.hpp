@@ -25,6 +25,7 @@ struct vrn_src_command {
   vrn_command_kind kind = vrn_command_kind::ordinary;
   std::uint32_t first = 0;
   std::uint32_t last = 0;
+  std::uint32_t body_size = 0;  // of a define: its body's tokens, those inside groups counted too
 };
 
 // Where a list of commands lies in its map.

@@ -36,6 +36,7 @@ bool vrn_command_builder::build_define(std::size_t end, vrn_src_command& command
   }
   command.kind = vrn_command_kind::define;
   const std::size_t first = open_tokens_.size();
+  const std::size_t first_inner = map_.tokens.size();
   at_ += 2;
   const std::size_t line_end = end_of_line(at_ + 1, end);
   const std::string line = define_line(tokens_.subspan(at_, line_end - at_));
@@ -55,6 +56,8 @@ bool vrn_command_builder::build_define(std::size_t end, vrn_src_command& command
   }
   if (is_outermost) in_define_ = false;
   finish(command, first);
+  // The tokens of its groups were finished since it was begun; the name is no part of the body.
+  command.body_size = static_cast<std::uint32_t>(command.last - first_inner - 1);
   log_line(vrn_log_level::verbose, line);
   return true;
 }

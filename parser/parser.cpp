@@ -12,9 +12,11 @@
 namespace vorn {
 namespace {
 
-// How much the defines of one program may expand to.
+// How much the defines of one program may expand to: so many replacements, and so many tokens put
+// in or so many times the program's own, whichever is more.
 constexpr std::uint64_t replacements_max = 1'000'000;
 constexpr std::uint64_t replaced_tokens_max = 4'000'000;
+constexpr std::uint64_t replaced_tokens_ratio = 32;
 
 bool is_define(const vrn_src_command& command) { return command.kind == vrn_command_kind::define; }
 
@@ -169,8 +171,10 @@ void vrn_parser::add_define(const vrn_src_command& command) {
 vrn_node vrn_parser::replace_define(define& found, const vrn_token& token) {
   vrn_src_command_view body = commands_.view(found.command);
   ++body.first;
-  replaced_tokens_ += body.size();
-  if (++replacements_ > replacements_max || replaced_tokens_ > replaced_tokens_max) {
+  replaced_tokens_ += found.command.body_size;
+  const std::uint64_t tokens_max =
+      std::max(replaced_tokens_max, replaced_tokens_ratio * commands_.tokens.size());
+  if (++replacements_ > replacements_max || replaced_tokens_ > tokens_max) {
     return fail(report_expands_too_much, token);
   }
   log_line(vrn_log_level::log, "Replacing define...");
