@@ -4,18 +4,16 @@
 #include <filesystem>
 #include <fstream>
 #include <ios>
-#include <memory>
 #include <stdexcept>
 #include <system_error>
 
+#include "frontend/source_file.hpp"
 #include "platform/platform.hpp"
 
 namespace vorn {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr std::size_t read_chunk_size = 0x80000;
 
 // The system ends a name at its first NUL, and would take what is before it for the whole.
 bool names_nothing(const std::string& path) { return path.find('\0') != std::string::npos; }
@@ -67,14 +65,13 @@ vrn_filesys_os::vrn_filesys_os() {
 void vrn_filesys_os::read(const std::string& path, std::string& bytes) const {
   std::error_code failure;
   if (names_nothing(path) || !fs::is_regular_file(path, failure)) return;
-  const std::size_t size_before = bytes.size();
+  // Of some files the size is told as 0 though they hold something.
+  const std::uintmax_t size = fs::file_size(path, failure);
+  const bool says_too_large = !failure && size > vrn_source_size_max;
   std::ifstream file(path, std::ios::binary);
-  const auto chunk = std::make_unique_for_overwrite<char[]>(read_chunk_size);
-  while (file) {
-    file.read(chunk.get(), read_chunk_size);
-    bytes.append(chunk.get(), static_cast<std::size_t>(file.gcount()));
+  if (says_too_large || !append_stream(file, bytes, vrn_source_size_max)) {
+    throw vrn_file_too_large(path);
   }
-  if (file.bad()) bytes.resize(size_before);
 }
 
 void vrn_filesys_os::write(const std::string& path, std::string_view bytes) {

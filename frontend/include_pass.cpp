@@ -1,6 +1,8 @@
 #include "frontend/include_pass.hpp"
 
 #include <cstddef>
+#include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -10,6 +12,7 @@
 
 #include "frontend/nesting.hpp"
 #include "frontend/report.hpp"
+#include "frontend/source_file.hpp"
 
 namespace vorn {
 namespace {
@@ -25,13 +28,13 @@ std::string find_file(const std::string& name, const vrn_src_token_view& include
   return current_script->filesys().find_file(name, &includer.directory);
 }
 
-std::shared_ptr<vrn_src_token_view> open_view(const std::string& path,
+std::shared_ptr<vrn_src_token_view> open_view(const std::string& path, std::string text,
                                               const vrn_src_token_view& includer,
                                               const vrn_token& operand) {
   auto view = std::make_shared<vrn_src_token_view>();
   view->name = path;
   view->directory = directory_of(path);
-  view->text = normalise_source(current_script->filesys().read_file(path));
+  view->text = normalise_source(std::move(text));
   view->parent = &includer;
   view->included_at = operand;
   return view;
@@ -87,10 +90,12 @@ class include_pass {
       report_nesting_too_deep(*operand);
       return 0;
     }
-    main_.included.emplace(path, nullptr);
+    main_.included.emplace(path, std::make_shared<std::string>(path));
     log_line(vrn_log_level::log, "Include file: ", path);
 
-    const auto view = open_view(path, includer, operand);
+    std::optional<std::string> text = read_source(current_script->filesys(), path);
+    if (!text) return 0;
+    const auto view = open_view(path, *std::move(text), includer, operand);
     const vrn_scan scan = scan_tokens(*view);
     if (scan.lines == 0) return 0;
     const std::size_t first = spliced_.size();

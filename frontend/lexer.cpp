@@ -6,12 +6,11 @@
 #include <cstring>
 #include <string_view>
 
-#include <vornscript/log.hpp>
-
 #include "frontend/code_point.hpp"
 #include "frontend/include_pass.hpp"
 #include "frontend/operator_set.hpp"
 #include "frontend/report.hpp"
+#include "frontend/source_file.hpp"
 
 namespace vorn {
 namespace {
@@ -337,8 +336,8 @@ class lexer {
 
 vrn_scan scan_tokens(vrn_src_token_view& view) {
   // Tokens hold their position in 32 bits.
-  if (view.text.size() > UINT32_MAX) {
-    log_line(vrn_log_level::error, "Source file ", view.name, " is too large.");
+  if (view.text.size() > vrn_source_size_max) {
+    report_source_too_large(view.name);
     return {};
   }
   return lexer(view).run();

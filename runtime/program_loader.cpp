@@ -1,6 +1,7 @@
 #include <vornscript/program_loader.hpp>
 
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include <vornscript/clock.hpp>
@@ -11,6 +12,7 @@
 #include "compiler/code_generator.hpp"
 #include "frontend/command_map.hpp"
 #include "frontend/lexer.hpp"
+#include "frontend/source_file.hpp"
 #include "parser/parser.hpp"
 #include "runtime/thread_check.hpp"
 
@@ -80,8 +82,8 @@ vrn_program vrn_program_loader::create_program(std::string_view file_name) {
     log_line(vrn_log_level::error, "Cannot find script file ", file_name);
     return {};
   }
-  std::string text = filesys->read_file(path);
-  return create_program(std::move(text), std::move(path));
+  std::optional<std::string> text = read_source(*filesys, path);
+  return text ? create_program(*std::move(text), std::move(path)) : vrn_program();
 }
 
 vrn_program vrn_program_loader::create_program(std::string text, std::string source_name) {

@@ -1,12 +1,24 @@
 // The file system that scripts are loaded from.
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace vorn {
+
+// The most bytes that a source file may hold: 4 GiB.
+inline constexpr std::uint64_t vrn_source_size_max = std::uint64_t{1} << 32;
+
+// What `read` may throw for a file that holds more. A load that meets it writes an error line: the
+// main file ends it, an included one adds nothing.
+class vrn_file_too_large : public std::length_error {
+ public:
+  using std::length_error::length_error;
+};
 
 // A complete file system without files, and the base of all others. A derived class needs
 // `exists` and `read`, and `canonical` where a file can go by several names. Every operation is
@@ -42,7 +54,7 @@ class vrn_filesys {
   // along the search paths. Empty when it is nowhere.
   std::string find_file(std::string_view name, const std::string* first_directory = nullptr) const;
 
-  // The file's whole contents; empty when there is no such file.
+  // The file's whole contents; empty when there is no such file. Throws what `read` throws.
   std::string read_file(const std::string& path) const;
 
   // Called in order for the folders to look in; an entry may compute its answer at each look-up.
@@ -56,7 +68,8 @@ class vrn_filesys_os final : public vrn_filesys {
   // Throws std::runtime_error when the executable's path cannot be had.
   vrn_filesys_os();
 
-  // Only regular files are read; anything else counts as empty.
+  // Only regular files are read; anything else counts as empty. Throws vrn_file_too_large, before
+  // anything is read where the file's size tells.
   void read(const std::string& path, std::string& bytes) const override;
   // Throws std::ios_base::failure.
   void write(const std::string& path, std::string_view bytes) override;

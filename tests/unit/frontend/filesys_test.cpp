@@ -1,11 +1,16 @@
 #include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 #include <unistd.h>
-#include <vornscript/filesys.hpp>
+#include <vornscript/vornscript.hpp>
 
+#include "frontend/source_file.hpp"
+#include "tests/support/collecting_log.hpp"
 #include "tests/support/memory_filesys.hpp"
 
 namespace vorn {
@@ -85,6 +90,26 @@ TEST_F(filesys_os, refused_names_are_missing_and_unreadable_files_empty) {
   EXPECT_EQ(files_.read_file(".") + files_.read_file("/dev/zero"), "");
   EXPECT_THROW(files_.write("/dev/full", "x"), std::exception);
   EXPECT_THROW(files_.list("none"), std::exception);
+}
+
+TEST_F(filesys_os, files_of_more_than_4_gib_are_refused) {
+  files_.write("large.vrs", "print(1);");
+  fs::resize_file("large.vrs", vrn_source_size_max + 1);
+  const auto log = std::make_shared<test::collecting_log>();
+  vrnscript script({std::make_shared<vrn_filesys_os>(), log, true, "", nullptr});
+  vrn_program_loader loader(script);
+  EXPECT_FALSE(loader.create_program("large.vrs"));
+  EXPECT_TRUE(loader.create_program("#include \"large\"\n1;", ""));
+  const std::string line = "Source file " + in_folder("large.vrs") + " is too large.";
+  EXPECT_EQ(log->texts(vrn_log_level::error), (strings{line, line}));
+
+  // One that does not tell its size is read no further than it may be long.
+  std::ifstream endless("/dev/zero");
+  std::string bytes = "kept";
+  EXPECT_FALSE(append_stream(endless, bytes, 3'000'000));
+  std::istringstream ending("12345");
+  EXPECT_TRUE(append_stream(ending, bytes, 5));
+  EXPECT_EQ(bytes, "kept12345");
 }
 
 }  // namespace
