@@ -56,7 +56,8 @@ std::string vrn_filesys::find_file(std::string_view name,
   if (wanted.size() >= 2 && wanted[1] == ':') return wanted;
   if (wanted.back() == '/') wanted.pop_back();
 
-  if (first_directory) {
+  const bool beside = first_directory && !first_directory->empty();
+  if (beside) {
     if (const std::string path = join(*first_directory, wanted); exists(path)) {
       return canonical(path);
     }
@@ -64,7 +65,7 @@ std::string vrn_filesys::find_file(std::string_view name,
   for (const auto& directory : search_paths) {
     if (const std::string path = join(directory(), wanted); exists(path)) return canonical(path);
   }
-  return {};
+  return first_directory && !beside && exists(wanted) ? canonical(wanted) : std::string();
 }
 
 std::string vrn_filesys::read_file(const std::string& path) const {
@@ -75,7 +76,8 @@ std::string vrn_filesys::read_file(const std::string& path) const {
 
 std::string directory_of(std::string_view path) {
   const std::size_t slash = path.find_last_of("/\\");
-  return slash == std::string_view::npos ? std::string() : with_slashes(path.substr(0, slash));
+  if (slash == std::string_view::npos) return {};
+  return slash == 0 ? "/" : with_slashes(path.substr(0, slash));
 }
 
 std::string normalise_source(std::string text) {

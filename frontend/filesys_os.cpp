@@ -15,6 +15,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr int links_max = 40;  // as many as systems follow
+
 // The system ends a name at its first NUL, and would take what is before it for the whole.
 bool names_nothing(const std::string& path) { return path.find('\0') != std::string::npos; }
 
@@ -24,6 +26,30 @@ void check(const std::error_code& failure, const char* operation, const fs::path
 
 void check_name(const std::string& path, const char* operation) {
   if (names_nothing(path)) check(make_error_code(std::errc::invalid_argument), operation, path);
+}
+
+// A name by which the system gets to the file. Below a folder that may not be searched, or that
+// lies too deep, it does so from the working directory only.
+fs::path reachable(const std::string& path) {
+  std::error_code failure;
+  if (fs::status(path, failure).type() != fs::file_type::none) return path;
+  const fs::path below = fs::path(path).lexically_relative(fs::current_path(failure));
+  return below.empty() || *below.begin() == ".." ? fs::path(path) : below;
+}
+
+// The name without links, for a file that cannot be looked for from the root folder on.
+fs::path resolved_below(fs::path name) {
+  std::error_code failure;
+  for (int links = 0; links < links_max; ++links) {
+    fs::path front;
+    auto part = name.begin();
+    while (part != name.end() && !fs::is_symlink(front / *part, failure)) front /= *part++;
+    if (part == name.end()) break;
+    front /= fs::read_symlink(front / *part, failure);
+    while (++part != name.end()) front /= *part;
+    name = reachable(front.string());
+  }
+  return name;
 }
 
 // The paths of the entries that are wanted, in order.
@@ -59,16 +85,18 @@ vrn_filesys_os::vrn_filesys_os() {
   const std::string executable = platform::executable_path();
   if (executable.empty()) throw std::runtime_error("GetModuleFileNameA failed");
   search_paths_add("");
-  search_paths_add(directory_of(executable) + "/include");
+  search_paths_add((fs::path(directory_of(executable)) / "include").generic_string());
 }
 
 void vrn_filesys_os::read(const std::string& path, std::string& bytes) const {
+  if (names_nothing(path)) return;
   std::error_code failure;
-  if (names_nothing(path) || !fs::is_regular_file(path, failure)) return;
+  const fs::path name = reachable(path);
+  if (!fs::is_regular_file(name, failure)) return;
   // Of some files the size is told as 0 though they hold something.
-  const std::uintmax_t size = fs::file_size(path, failure);
+  const std::uintmax_t size = fs::file_size(name, failure);
   const bool says_too_large = !failure && size > vrn_source_size_max;
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(name, std::ios::binary);
   if (says_too_large || !append_stream(file, bytes, vrn_source_size_max)) {
     throw vrn_file_too_large(path);
   }
@@ -105,7 +133,7 @@ std::vector<std::string> vrn_filesys_os::list_recursive(const std::string& path)
 
 bool vrn_filesys_os::exists(const std::string& path) const {
   std::error_code failure;
-  return !names_nothing(path) && fs::exists(path, failure);
+  return !names_nothing(path) && fs::exists(reachable(path), failure);
 }
 
 void vrn_filesys_os::create_directory(const std::string& path) {
@@ -125,9 +153,12 @@ void vrn_filesys_os::remove_all(const std::string& path) {
 std::string vrn_filesys_os::canonical(const std::string& path) const {
   if (path.empty() || names_nothing(path)) return {};
   std::error_code failure;
-  const fs::path absolute = fs::absolute(path, failure);
-  const fs::path resolved = fs::weakly_canonical(failure ? fs::path(path) : absolute, failure);
-  return (failure ? fs::path(path).lexically_normal() : resolved).string();
+  fs::path absolute = fs::absolute(path, failure);
+  if (failure) return fs::path(path).lexically_normal().string();  // no folder is the working one
+  const fs::path resolved = fs::weakly_canonical(absolute, failure);
+  if (!failure) return resolved.string();
+  absolute = fs::absolute(resolved_below(reachable(path)), failure);
+  return absolute.lexically_normal().string();
 }
 
 }  // namespace vorn

@@ -51,7 +51,8 @@ class vrn_filesys {
   void search_paths_insert_begin(std::string directory);
 
   // The canonical path of the file `name`: looked for in `first_directory` when one is given, then
-  // along the search paths. Empty when it is nowhere.
+  // along the search paths; where that directory is empty, along the search paths, then as the name
+  // stands. Empty when it is nowhere.
   std::string find_file(std::string_view name, const std::string* first_directory = nullptr) const;
 
   // The file's whole contents; empty when there is no such file. Throws what `read` throws.
@@ -81,10 +82,12 @@ class vrn_filesys_os final : public vrn_filesys {
   void remove_all(const std::string& path) override;
   // A name that the system refuses counts as missing.
   bool exists(const std::string& path) const override;
+  // Absolute, also where links cannot be resolved; empty for a name that can be no file's.
   std::string canonical(const std::string& path) const override;
 };
 
-// The part of a path before its last slash (backslashes count as slashes); empty without one.
+// The part of a path before its last slash (backslashes count as slashes): "/" in the root folder,
+// empty without a slash.
 std::string directory_of(std::string_view path);
 
 // The text with each tab replaced by spaces up to the next column that is a multiple of 4; columns

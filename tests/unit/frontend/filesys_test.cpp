@@ -33,6 +33,14 @@ TEST(filesys, finds_along_the_search_paths) {
   const std::string own = "own\\";
   for (const auto& [name, found] : rows) EXPECT_EQ(files.find_file(name, &own), found) << name;
   EXPECT_EQ(files.find_file("b"), "zero/b");
+
+  test::memory_filesys other;
+  other.search_paths = {[] { return "one"; }};
+  for (const char* name : {"a", "b", "one/b"}) other.add(name, "");
+  const std::string none;
+  EXPECT_EQ(other.find_file("b", &none), "one/b");
+  EXPECT_EQ(other.find_file("a", &none) + other.find_file("a"), "a");
+  EXPECT_EQ(directory_of("\\a.vrs") + directory_of("a.vrs") + directory_of("/b/a.vrs"), "//b");
 }
 
 // Works in a folder of its own, which is the working directory meanwhile.
@@ -90,6 +98,21 @@ TEST_F(filesys_os, refused_names_are_missing_and_unreadable_files_empty) {
   EXPECT_EQ(files_.read_file(".") + files_.read_file("/dev/zero"), "");
   EXPECT_THROW(files_.write("/dev/full", "x"), std::exception);
   EXPECT_THROW(files_.list("none"), std::exception);
+}
+
+// Where the whole path is too long for the system, as where a folder above may not be searched.
+TEST_F(filesys_os, files_are_reached_below_the_working_directory) {
+  fs::path deep = fs::current_path();
+  while (deep.native().size() < 3900) deep /= std::string(100, 'd');
+  fs::create_directories(deep);
+  fs::current_path(deep);
+  const std::string name(200, 'n');
+  files_.write(name, "text");
+  fs::create_symlink(name, "link");
+  for (const std::string& each : {name, std::string("link"), "./x/../" + name}) {
+    EXPECT_EQ(files_.canonical(each), (deep / name).string());
+  }
+  EXPECT_EQ(files_.read_file((deep / name).string()), "text");
 }
 
 TEST_F(filesys_os, files_of_more_than_4_gib_are_refused) {
