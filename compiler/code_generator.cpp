@@ -185,11 +185,12 @@ void vrn_code_generator::load(vrn_program_block_routine& block, const location& 
 
 std::optional<vrn_code_generator::location> vrn_code_generator::resolve(
     const vrn_program_block_routine& block, std::string_view name) {
-  if (block.parent->kind == vrn_block_kind::routine) {
-    if (const auto found = find_var_in_parent(*block.parent, name)) {
+  const vrn_program_block_base* const parent = block.parent;
+  if (parent && parent->kind == vrn_block_kind::routine) {
+    if (const auto found = find_var_in_parent(*parent, name)) {
       return location{found->hops + 1, found->index};
     }
-  } else if (block.parent->kind == vrn_block_kind::class_) {
+  } else if (parent && parent->kind == vrn_block_kind::class_) {
     note_class_lookup();
   }
   const auto index = block.find_name(name);

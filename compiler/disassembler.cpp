@@ -11,7 +11,9 @@ namespace {
 std::string name_of_value(const vrn_program_block_routine& routine, const vrnvar* value) {
   if (routine.names) {
     for (const auto& [name, entry] : *routine.names) {
-      if (routine.variables[entry.index].get() == value) return name;
+      if (entry.index < routine.variables.size() && routine.variables[entry.index].get() == value) {
+        return name;
+      }
     }
   }
   return "?";
@@ -56,7 +58,11 @@ std::string disassemble(vrn_program_block_routine& routine) {
   std::string text;
   const std::span<std::byte> code = routine.instructions();
   for (std::size_t at = 0; at < code.size();) {
-    const auto& row = vrn_opcodes.at(read_field<std::uint32_t>(&code[at], 0));
+    const std::size_t left = code.size() - at;
+    const std::uint32_t opcode =
+        left < sizeof opcode ? opcode_count : read_field<std::uint32_t>(&code[at], 0);
+    if (opcode >= opcode_count || vrn_opcodes[opcode].size > left) return text += "?\n";
+    const auto& row = vrn_opcodes[opcode];
     text += row.name;
     append_operands(text, routine, &code[at], row.operands);
     text += '\n';

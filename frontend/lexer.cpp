@@ -212,14 +212,25 @@ class lexer {
     return true;
   }
 
+  // The length in bytes of the next two characters if both are the wanted one, else 0. A character
+  // can be spelt in several ways.
+  std::uint32_t match_two(std::uint32_t wanted) const {
+    std::uint32_t length = 0;
+    for (int i = 0; i < 2; ++i) {
+      if (at_ + length == end_) return 0;
+      const code_point next = read_code_point(at_ + length, end_);
+      if (next.value != wanted) return 0;
+      length += next.length;
+    }
+    return length;
+  }
+
   bool read_string(code_point quote) {
     const mark start = here();
     advance(quote.length);
-    const char quote_byte = static_cast<char>(quote.value);
-    const std::array<char, 2> quote_pair = {quote_byte, quote_byte};
-    const std::string_view two_quotes(quote_pair.data(), quote_pair.size());
-    const bool is_triple = rest().starts_with(two_quotes);
-    if (is_triple) advance(2, 2);
+    const std::uint32_t two_quotes = match_two(quote.value);
+    const bool is_triple = two_quotes > 0;
+    advance(two_quotes, is_triple ? 2 : 0);
 
     const char* const text = at_;
     while (at_ < end_) {
@@ -227,8 +238,11 @@ class lexer {
       const char* const next_at = at_;
       advance(next.length);
       if (next.value == quote.value) {
-        if (is_triple && !rest().starts_with(two_quotes)) continue;
-        if (is_triple) advance(2, 2);
+        if (is_triple) {
+          const std::uint32_t last_quotes = match_two(quote.value);
+          if (last_quotes == 0) continue;
+          advance(last_quotes, 2);
+        }
         add_token(vrn_token_kind::string, {start.at, line_, start.column},
                   {text, static_cast<std::size_t>(next_at - text)}, false);
         space_before_ = false;

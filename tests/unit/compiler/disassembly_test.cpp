@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "compiler/code_generator.hpp"
 #include "compiler/disassembler.hpp"
 #include "tests/support/script_host.hpp"
 
@@ -72,6 +73,23 @@ TEST(disassembly_test, code_of_scripts) {
     ASSERT_TRUE(program) << each.script;
     EXPECT_EQ(code_of(*program->main), each.code) << each.script;
   }
+}
+
+TEST(disassembly_test, blocks_made_by_hand) {
+  script_host host;
+  const vrn_program program = host.load("x; 5;");
+  vrn_program_block_routine block(nullptr);
+  std::uint32_t count = 0;
+  EXPECT_TRUE(vrn_code_generator(host.script, count).compile_list(block, program->ast->nodes));
+  EXPECT_EQ(code_of(block), "load_value x; load_int 5");
+  block.insert_name("x", 7);
+  for (const std::size_t size : {31U, 18U}) {
+    block.code->resize(size);
+    block.code->shrink_to_fit();
+    EXPECT_EQ(code_of(block), "load_value ?; ?");
+  }
+  block.code->assign(4, std::byte{99});
+  EXPECT_EQ(code_of(block), "?");
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "parser/ast.hpp"
 #include "tests/support/script_host.hpp"
 
 namespace vorn::test {
@@ -49,6 +50,17 @@ TEST(loader_test, files_that_vanish) {
   taken(*log);
   EXPECT_TRUE(loader.create_program("#include \"gone\"\n1;", "a"));
   EXPECT_EQ(taken(*log)[2], "Empty include file: gone.vrs");
+}
+
+TEST(loader_test, the_tree_knows_its_files) {
+  script_host host;
+  host.files->add("sub/part.vrs", "2;");
+  const vrn_program program = host.load("#include \"sub/part\"\n1;");
+  ASSERT_TRUE(program);
+  for (const auto& [path, name] : program->ast->source->included) {
+    ASSERT_TRUE(name) << path;
+    EXPECT_EQ(*name, path);
+  }
 }
 
 // Every reading is a millisecond after the one before.
