@@ -1,4 +1,5 @@
-// What the system gives: threads, clocks, the executable's path, the console, stop requests.
+// What the system gives: threads, clocks, numbers, the executable's path, the console, stop
+// requests.
 //
 // The one place that knows the operating system; there is one source file for each system, and
 // nobody else asks which one it is. Callable from any thread unless said otherwise.
@@ -26,6 +27,9 @@ std::uint64_t monotonic_ns() noexcept;
 
 // Returns early when a signal arrives.
 void sleep_ms(std::uint32_t milliseconds) noexcept;
+
+// What strtod gives for a text in the "C" locale, whatever locale the process has set.
+double read_float(const char* text) noexcept;
 
 // The path of the running executable; empty when it cannot be had.
 std::string executable_path();

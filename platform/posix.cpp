@@ -1,6 +1,7 @@
 #include "platform/platform.hpp"
 
 #include <fcntl.h>
+#include <locale.h>
 #include <poll.h>
 #include <pthread.h>
 #include <stdio_ext.h>
@@ -143,6 +144,11 @@ void sleep_ms(std::uint32_t milliseconds) noexcept {
   const timespec duration{static_cast<time_t>(milliseconds / 1000),
                           static_cast<long>(milliseconds % 1000) * 1'000'000};
   nanosleep(&duration, nullptr);
+}
+
+double read_float(const char* text) noexcept {
+  static const locale_t c_locale = newlocale(LC_ALL_MASK, "C", nullptr);
+  return strtod_l(text, nullptr, c_locale);
 }
 
 std::string executable_path() {
