@@ -32,7 +32,7 @@ struct vrnvar_ptr_json {
   vrnvar_ptr_json* next() const {
     return reinterpret_cast<vrnvar_ptr_json*>(static_cast<std::uintptr_t>(members.at(0)->word));
   }
-  void set_next(vrnvar_ptr_json* payload) {
+  void set_next(vrnvar_ptr_json* payload) const {
     members.at(0)->word = reinterpret_cast<std::uintptr_t>(payload);
   }
 
