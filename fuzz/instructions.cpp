@@ -1,6 +1,7 @@
 // Instructions that no compiler wrote, within the rules: every operand is there, and what a routine
 // puts on the stack or opens, it takes off and closes again.
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -14,7 +15,6 @@
 #include "fuzz/support/byte_source.hpp"
 #include "fuzz/support/check.hpp"
 #include "fuzz/support/checked_host.hpp"
-#include "fuzz/targets.hpp"
 #include "vm/interpreter_state.hpp"
 #include "vm/payload.hpp"
 
@@ -268,8 +268,8 @@ void check_errors(const test::collecting_log& log) {
 
 }  // namespace
 
-void fuzz_instructions(input bytes) {
-  byte_source source(bytes);
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  byte_source source({data, size});
   checked_host checked{checked_host::files()};
   test::script_host& host = checked.host();
   add_natives(host.script);
@@ -281,6 +281,7 @@ void fuzz_instructions(input bytes) {
     host.script.state().tasks = {};
   }
   checked.check_health();
+  return 0;
 }
 
 }  // namespace vorn::fuzz

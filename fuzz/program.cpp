@@ -1,12 +1,13 @@
 // Programs with meaning, whole and damaged.
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <utility>
 
 #include "fuzz/support/check.hpp"
 #include "fuzz/support/checked_host.hpp"
 #include "fuzz/support/program_writer.hpp"
-#include "fuzz/targets.hpp"
 
 namespace vorn::fuzz {
 namespace {
@@ -51,8 +52,8 @@ void check_outcome(const program_writer& writer, const checked_host& host, bool 
 
 }  // namespace
 
-void fuzz_program(input bytes) {
-  byte_source source(bytes);
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  byte_source source({data, size});
   const std::uint32_t damages = source.below(8) < 6 ? 0 : 1 + source.below(3);
   program_writer writer(source);
   checked_host::files files = writer.write();
@@ -63,6 +64,7 @@ void fuzz_program(input bytes) {
   if (damages == 0) check_outcome(writer, host, program != nullptr);
   if (program) host.run(std::exchange(program, {}));
   host.check_health();
+  return 0;
 }
 
 }  // namespace vorn::fuzz

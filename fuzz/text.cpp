@@ -1,9 +1,10 @@
 // Any bytes at all, through every stage.
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <utility>
 
 #include "fuzz/support/checked_host.hpp"
-#include "fuzz/targets.hpp"
 
 namespace vorn::fuzz {
 namespace {
@@ -25,10 +26,11 @@ checked_host::files split_files(std::string_view text) {
 
 }  // namespace
 
-void fuzz_text(input bytes) {
-  checked_host host(split_files({reinterpret_cast<const char*>(bytes.data()), bytes.size()}));
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  checked_host host(split_files({reinterpret_cast<const char*>(data), size}));
   if (vrn_program program = host.load()) host.run(std::exchange(program, {}));
   host.check_health();
+  return 0;
 }
 
 }  // namespace vorn::fuzz

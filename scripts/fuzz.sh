@@ -15,7 +15,7 @@ fuzz() {
   mkdir -p "$run/$target"
   rm -f "$run/$target"-*
   if "$program" "${options[@]}" -max_len=4096 -max_total_time="$seconds" -print_final_stats=1 \
-    -close_fd_mask=2 -dict=fuzz/vornscript.dict -artifact_prefix="$run/$target-" \
+    -close_fd_mask=2 -artifact_prefix="$run/$target-" \
     "$run/$target" "fuzz/corpus/$target" >"$log" 2>&1; then
     sed -n "s/^stat::number_of_executed_units: */$target: executions in $seconds s: /p" "$log"
     return

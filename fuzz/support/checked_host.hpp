@@ -1,7 +1,6 @@
 // An interpreter whose every load and run is checked.
 #pragma once
 
-#include <cstddef>
 #include <map>
 #include <string>
 #include <string_view>
@@ -19,8 +18,8 @@ class checked_host {
 
   explicit checked_host(files sources);
 
-  // Loads main.vrs. Every report points at a place that exists, and there is one if the load fails;
-  // and it takes little memory, unless defines multiply. Empty also when memory has run out.
+  // Loads main.vrs. Every report points at a place that exists, and there is one if the load fails.
+  // Only defines, which multiply, can make memory run out; empty also then.
   vrn_program load();
 
   // The files as one text, to be shown when something is wrong with them.
@@ -41,7 +40,6 @@ class checked_host {
 
  private:
   bool can_multiply() const;
-  std::size_t memory_allowed() const;
   bool has_nothing_to_point_at() const;
   void check_pools_quiet() const;
   void read_reports();
@@ -50,9 +48,6 @@ class checked_host {
   test::script_host host_;
   std::vector<source_report> reports_;
 };
-
-// Nothing that came from the interpreter is left.
-void check_released(vrnscript& script);
 
 // Whether running code may log this error, whatever the code is.
 bool is_runtime_error(std::string_view logged);

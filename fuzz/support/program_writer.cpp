@@ -46,55 +46,27 @@ constexpr std::string_view gaps[] = {" ", " ", "  ", "\n", "\t", " /* ; */ ", " 
 
 constexpr fault faults[] = {
     {"x = ;", "No value to assign to."},
-    {"= 1;", "No value to assign to."},
     {"x = return;", "Cannot parse return."},
-    {"return;", "Cannot parse return."},
-    {"return 1;", "Invalid command type: 20"},
     {"1 % 2;", "Invalid binary operator '%'"},
-    {"a && b;", "Invalid binary operator '&&'"},
     {"!a;", "Invalid unary operator '!'"},
-    {"a++;", "Invalid unary operator '++'"},
     {"2 * -3;", "Operator without operands."},
-    {"1 +;", "Operator without operands."},
     {"no_such(1);", "Cannot resolve function call."},
-    {"(print)(1)(2);", "Cannot resolve function call."},
     {"clamp(1);", "Not enough arguments for function clamp"},
-    {"sin(1, 2);", "Too many arguments for function sin"},
     {"(1; 2);", "Too many expressions inside bracket."},
-    {"1 = 2;", "Cannot assign to illegal expression."},
     {"a[1] = 2;", "Cannot compile instruction, not implemented."},
-    {"a[1];", "Invalid command type: 15"},
-    {"a[1] b;", "Invalid expression after ']'"},
-    {"a[];", "Invalid '[]' expression."},
-    {"[];", "No expression inside bracket."},
     {"[1, k = 2];", "Invalid command type: 18"},
-    {"{ 1; }", "Invalid command type: 17"},
     {"{ 1; 2; }", "Cannot parse sub-block."},
     {"a b;", "Cannot parse whatever this is."},
-    {"?;", "Unknown symbol."},
     {"twice(p) { p } twice(p) { p }", "Function twice already exists in this scope."},
-    {"(p) { p }", "Unknown token in def."},
-    {"\"k\" name(p) { p }", "Unknown token in def."},
     {"name(1 2) { 3 }", "Invalid arguments"},
-    {"class some { 1; }", "Invalid command type: 3"},
     {"frob some { 1; }", "Unknown struct definition."},
-    {"if (1) { 2; }", "Invalid command type: 1"},
     {"if { 2; }", "Expected '()' after 'if'"},
-    {"if () { 2; }", "Invalid condition"},
-    {"if (1)", "Cannot parse conditional block.", true, false, false},
-    {"for (1) { 2; }", "Invalid command type: 2"},
     {"for () { 2; }", "Loop needs a condition."},
-    {"for (1; 2; 3; 4) { 5; }", "Invalid for condition"},
     {"else { 1; }", "Else statement without leading if statement."},
     {"print(if (1) { 2; });", "Invalid arguments (print)"},
-    {"#define", "Invalid directive."},
     {"#include_ some", "Invalid directive."},
-    {"]", "Cannot parse token: ]", true, false},
     {"(];", "Invalid closing bracket: ]"},
-    {"[(];)];", "Missing closing bracket for '('", true, false},
     {"([1);];", "Cannot find closing bracket."},
-    {"\"open;", "unterminated string", true, true, false},
-    {"'''open;", "unterminated string", true, false, false},
     {"1e;", "Malformed exponent in numeric literal", false},
     {"#include \"nowhere\"", "File not found: nowhere.vrs", false},
 };
@@ -122,10 +94,7 @@ void program_writer::write_statements() {
 
 void program_writer::write_statement() {
   if (statements_left_ > 0) --statements_left_;
-  if (fault_ && fault_after_-- == 0) {
-    if (fault_fits()) return write_fault();
-    ++fault_after_;
-  }
+  if (fault_ && fault_after_-- == 0) return write_fault();
   switch (source_.below(10)) {
     case 0:
       put("print(");
@@ -202,11 +171,6 @@ void program_writer::write_fault() {
   put(fault_->text);
   put("\n");
   fault_ = nullptr;
-}
-
-bool program_writer::fault_fits() const {
-  return (fault_->in_functions || function_depth_ == 0) &&
-         (fault_->in_include || files_.size() == 1) && !fault_->text.starts_with("if (1)");
 }
 
 void program_writer::write_expression() {

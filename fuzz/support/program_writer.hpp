@@ -16,9 +16,7 @@ namespace vorn::fuzz {
 struct fault {
   std::string_view text;
   std::string_view message;
-  bool fails = true;         // or the load goes on
-  bool in_functions = true;  // means the same inside of a function
-  bool in_include = true;    // means the same in an included file
+  bool fails = true;  // or the load goes on
 };
 
 struct planted_fault {
@@ -49,14 +47,12 @@ class program_writer {
   void write_include();
   void write_define();
   void write_fault();
-  bool fault_fits() const;
 
   void write_expression();
   void write_operand();
   void write_group();
   void write_call();
   void write_arguments(std::uint32_t count);
-  void write_number();
   void write_string();
   void write_variable();
   void write_gap();
