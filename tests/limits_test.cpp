@@ -169,6 +169,15 @@ TEST_F(limits_test, many_of_everything) {
   EXPECT_EQ(outcome(repeated("print(1) /* \n */ ;\n", count)), repeated("1\n", count));
 }
 
+TEST_F(limits_test, as_many_arguments_as_a_function_takes) {
+  for (const std::string name : {"print", "min", "max"}) {
+    EXPECT_EQ(outcome("y = " + name + "(x" + repeated(", x", 998) + ");").find("Too many"),
+              std::string::npos);
+    EXPECT_EQ(outcome(name + "(1" + repeated(", 1", 999) + ");"),
+              "*** Too many arguments for function " + name);
+  }
+}
+
 TEST_F(limits_test, strings_that_are_too_long) {
   const vrn_native half = [](vrn_vm_context&, std::vector<vrnvar_shared>&) {
     return var_string(std::string((std::size_t{1} << 27), 'x'));

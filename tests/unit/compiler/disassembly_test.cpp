@@ -12,7 +12,7 @@ namespace vorn::test {
 namespace {
 
 // The instructions of a routine, its strings behind a "$", then in braces the routines defined in
-// it. Instructions are written without "op_".
+// it, each led by the number of its parameters. Instructions are written without "op_".
 std::string code_of(vrn_program_block_routine& routine) {
   std::string text = disassemble(routine);
   for (std::size_t at = 0; (at = text.find("op_", at)) != std::string::npos;) text.erase(at, 3);
@@ -23,7 +23,9 @@ std::string code_of(vrn_program_block_routine& routine) {
     for (const std::string& each : *routine.strings) text += " $" + each;
   }
   if (routine.children) {
-    for (const auto& child : *routine.children) text += " { " + code_of(*child) + " }";
+    for (const auto& child : *routine.children) {
+      text += " " + std::to_string(child->parameter_count) + "{ " + code_of(*child) + " }";
+    }
   }
   return text;
 }
@@ -45,13 +47,13 @@ const example examples[] = {
     {"'a' + \"b\" + 'a'; ''; 'b'",
      "load_string 0; push 1; load_string 1; push 1; load_string 0; add; add; load_string 2; "
      "load_string 1 $a $b $"},
-    {"'a'; run() { 'b'; 'a' }", "load_string 0 $a { load_string 0; load_string 1 $b $a }"},
+    {"'a'; run() { 'b'; 'a' }", "load_string 0 $a 0{ load_string 0; load_string 1 $b $a }"},
 
     // Variables: of the routine, of those around it, the outermost first.
     {"y; x; run(x) { x; y; z }",
-     "load_value y; load_value x { load_outer_var 1 1; load_outer_var 1 0; load_value z }"},
+     "load_value y; load_value x 1{ load_outer_var 1 1; load_outer_var 1 0; load_value z }"},
     {"x; one(p) { two(x, p) { p; x; y; three() { p; y; x; two } } }",
-     "load_value x {  { load_outer_var 1 0; load_outer_var 2 0; load_value y { "
+     "load_value x 1{  2{ load_outer_var 1 0; load_outer_var 2 0; load_value y 0{ "
      "load_outer_var 2 0; load_outer_var 1 2; load_outer_var 3 0; load_outer_var 2 1 } } }"},
 
     // Calls.
@@ -60,9 +62,9 @@ const example examples[] = {
      "arg_set 1; load_string 0; arg_set 2; call_native max $a"},
     {"run(a) { } run(1, x = 2)",
      "load_value run; call; load_int 1; store_arg 0; load_value x; push 1; load_int 2; assign; "
-     "store_arg 1; yield {  }"},
+     "store_arg 1; yield 1{  }"},
     {"one() { } two() { one(one()) } (two)()",
-     "load_value two; call; yield {  } { load_outer_var 1 0; call; load_outer_var 1 0; call; "
+     "load_value two; call; yield 0{  } 0{ load_outer_var 1 0; call; load_outer_var 1 0; call; "
      "yield; store_arg 0; yield }"},
 };
 

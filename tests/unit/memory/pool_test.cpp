@@ -81,13 +81,17 @@ TEST_F(pool_test, wrong_slot_bytes) {
   }
 }
 
+// Another thread releases them all.
+void release_elsewhere(const std::vector<vrnvar*>& objects) {
+  std::thread([&objects] {
+    for (vrnvar* value : objects) values_pool::release(value, nullptr);
+  }).join();
+}
+
 TEST_F(pool_test, ring_holds_1024_and_is_drained_under_the_lock_only) {
   vrn_interpreter_mutex mutex;
   values_pool pool(&mutex);
-  const auto taken = take_many(pool, 1024);
-  std::thread([&taken] {
-    for (vrnvar* value : taken) values_pool::release(value, nullptr);
-  }).join();
+  release_elsewhere(take_many(pool, 1024));
   pool.drain();
   EXPECT_EQ(pool.live_count(), 1024U);
   const vrn_interpreter_lock lock(mutex);
@@ -95,6 +99,20 @@ TEST_F(pool_test, ring_holds_1024_and_is_drained_under_the_lock_only) {
   EXPECT_EQ(pool.live_count(), 1024U);
   pool.drain();
   EXPECT_EQ(pool.live_count(), 0U);
+}
+
+// Where the ring's end is passed. A take hands out first what has come back last.
+TEST_F(pool_test, objects_side_by_side_in_time_are_not_so_in_the_ring) {
+  values_pool pool;
+  release_elsewhere(take_many(pool, 1023));
+  pool.drain();
+  const auto taken = take_many(pool, 10);
+  release_elsewhere(taken);
+  pool.drain();
+  for (const std::size_t k : {0U, 8U, 7U, 6U, 5U, 4U, 3U, 2U, 9U, 1U}) {
+    EXPECT_EQ(pool.take(), taken[k]);
+  }
+  for (vrnvar* object : taken) pool.give_back(object);
 }
 
 }  // namespace

@@ -68,6 +68,17 @@ TEST(vrnscript_test, programs_keep_the_native_functions_that_they_call) {
   EXPECT_EQ(host.log->texts(vrn_log_level::out), (strings{"first", "second"}));
 }
 
+// It gives back its argument only where nobody else holds it.
+TEST(vrnscript_test, print_gives_a_text_of_its_own) {
+  script_host host;
+  const vrn_native change = [](auto&, auto& given) {
+    given[0]->set_string("changed");
+    return given[0];
+  };
+  host.script.register_std_function("change", change, 1, 1);
+  EXPECT_EQ(host.output_of("x = 'a'; change(print(x)); print(x);"), (strings{"a", "a"}));
+}
+
 TEST(vrnscript_test, what_handles_mean) {
   using routine = vrn_program_block_routine;
   const script_host host;

@@ -84,6 +84,25 @@ TEST_F(handlers_test, arguments_are_shared) {
   const auto record = make_std_function("change", change, 0, 9);
   execute(op_call_native, std::uint64_t{reinterpret_cast<std::uintptr_t>(record.get())});
   EXPECT_EQ(shown(top()) + shown(variable), "none string changed");
+  // Until the frame is used again.
+  EXPECT_EQ(task_.argument_frames.at(0).at(2).get(), variable.get());
+}
+
+TEST_F(handlers_test, calls_of_a_class) {
+  top() = var_none();
+  top()->set_type(vrn_type::class_);
+  const vrn_program_block_routine inner(&block_);
+  top()->as<vrnvar_ptr_function>()->routine = inner.handle();
+  execute(op_call);
+  EXPECT_TRUE(task_.call_stack.empty());
+}
+
+TEST_F(handlers_test, outer_variables_are_looked_up_once) {
+  block_.add_variable("x");
+  vrn_program_block_routine inner(&block_);
+  inner.emit(op_load_outer_var, 1U, 0U, 0U);
+  run(inner, task_);
+  EXPECT_EQ(read_field<vrnvar*>(inner.code->data(), 16), block_.variables[0].get());
 }
 
 TEST_F(handlers_test, outer_variables_that_are_not_there) {

@@ -121,6 +121,17 @@ TEST_F(scheduler_test, routines_of_a_task_that_has_failed) {
   EXPECT_EQ(errors(), strings());
 }
 
+TEST_F(scheduler_test, a_start_drops_what_the_task_has_left) {
+  programs_.push_back(host_.load("sleep(1);"));
+  const auto task = task_create(programs_[0]);
+  task->value_stack = {var_int(1), var_int(2)};
+  task->pending_calls = 2;
+  task_run(*task, 0);
+  EXPECT_EQ(errors(), strings{"TODO: Cleanup old routine data here!"});
+  EXPECT_EQ(task->pending_calls, 0U);
+  EXPECT_TRUE(task->value_stack.size() == 1 && !task->value_stack[0]);
+}
+
 TEST_F(scheduler_test, statuses) {
   // Those up to 2 go on at once; after the others the task is due again, but later than the tick
   // began.

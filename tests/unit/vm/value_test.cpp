@@ -8,6 +8,7 @@
 #include <map>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -70,6 +71,19 @@ TEST_F(value_test, every_type_becomes_every_type) {
     changed->copy_from(source.get());
     EXPECT_EQ(shown(changed.get()), shown(source.get())) << pair;
   }
+}
+
+// Another thread drops what a value has in it, then its payload, then the value.
+TEST_F(value_test, every_part_of_a_value_comes_back_from_another_thread) {
+  for (int type = 0; type < 12; ++type) {
+    std::thread([value = filled(static_cast<vrn_type>(type))]() mutable {
+      value->set_type(value->type);
+      value->set_type(vrn_type::none);
+      value = {};
+    }).join();
+  }
+  host_.script.tick();
+  EXPECT_EQ(test::live_objects(host_.script), 0U);
 }
 
 TEST_F(value_test, circles_of_refs) {
