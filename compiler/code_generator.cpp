@@ -26,27 +26,26 @@ void note_class_lookup() {
   log_line(vrn_log_level::log, "TODO: Implement class var lookup (find_var_in_parent).");
 }
 
-std::optional<vrn_opcode> binary_opcode(std::string_view op) {
-  if (op == "+") return op_add;
-  if (op == "-") return op_sub;
-  if (op == "*") return op_mul;
-  if (op == "/") return op_div;
+std::optional<vrn_opcode> binary_opcode(const vrn_src_token& sign) {
+  if (sign.is_symbol("+")) return op_add;
+  if (sign.is_symbol("-")) return op_sub;
+  if (sign.is_symbol("*")) return op_mul;
+  if (sign.is_symbol("/")) return op_div;
   return std::nullopt;
 }
 
 std::uint64_t int_bits(const vrn_ast_node& literal) {
-  return static_cast<std::uint64_t>(text_to_int(literal.token->text));
+  return static_cast<std::uint64_t>(text_to_int(literal.token->text()));
 }
 
 std::uint64_t float_bits(const vrn_ast_node& literal) {
-  return std::bit_cast<std::uint64_t>(text_to_float(literal.token->text));
+  return std::bit_cast<std::uint64_t>(text_to_float(literal.token->text()));
 }
 
 }  // namespace
 
-bool vrn_code_generator::compile_list(vrn_program_block_base& block,
-                                      const std::vector<vrn_node>& nodes) {
-  for (const vrn_node& node : nodes) {
+bool vrn_code_generator::compile_list(vrn_program_block_base& block, vrn_node_list nodes) {
+  for (const vrn_node node : nodes) {
     if (!compile(block, *node)) return false;
   }
   const vrn_program_block_routine* const routine = code_block(block);
@@ -83,13 +82,13 @@ bool vrn_code_generator::compile(vrn_program_block_base& block, const vrn_ast_no
 
 const vrn_ast_node* vrn_code_generator::open_binary(const vrn_program_block_base& block,
                                                     const vrn_ast_node_binary& node) {
-  const auto opcode = binary_opcode(node.op);
+  const auto opcode = binary_opcode(*node.token);
   if (block.kind != vrn_block_kind::routine || !opcode) {
-    report_node(node, report_invalid_binary_operator, node.op);
+    report_node(node, report_invalid_binary_operator, node.token->text());
     return nullptr;
   }
-  waiting_.push_back({*opcode, node.right.get()});
-  return node.left.get();
+  waiting_.push_back({*opcode, node.right});
+  return node.left;
 }
 
 const vrn_ast_node* vrn_code_generator::open_assign(const vrn_program_block_base& block,
@@ -102,8 +101,8 @@ const vrn_ast_node* vrn_code_generator::open_assign(const vrn_program_block_base
     report_node(node, report_cannot_assign);
     return nullptr;
   }
-  waiting_.push_back({op_assign, node.value.get()});
-  return node.target.get();
+  waiting_.push_back({op_assign, node.value});
+  return node.target;
 }
 
 bool vrn_code_generator::compile_single(vrn_program_block_base& block, const vrn_ast_node& node) {
@@ -126,9 +125,9 @@ bool vrn_code_generator::compile_single(vrn_program_block_base& block, const vrn
         emit(*routine, op_load_float, float_bits(node));
         return true;
       case vrn_node_kind::string_node:
-        return compile_string(*routine, node.token->text);
+        return compile_string(*routine, node.token->text());
       case vrn_node_kind::variable_node:
-        return compile_variable(*routine, node.token->text);
+        return compile_variable(*routine, node.token->text());
       default:
         break;
     }
@@ -141,8 +140,8 @@ bool vrn_code_generator::compile_single(vrn_program_block_base& block, const vrn
 bool vrn_code_generator::compile_unary(vrn_program_block_base& block,
                                        const vrn_ast_node_unary& node) {
   vrn_program_block_routine* const routine = code_block(block);
-  if (!routine || node.postfix || node.op != "-") {
-    return report_node(node, report_invalid_unary_operator, node.op);
+  if (!routine || node.postfix || !node.token->is_symbol("-")) {
+    return report_node(node, report_invalid_unary_operator, node.token->text());
   }
   if (node.operand->kind == vrn_node_kind::float_node) {
     constexpr std::uint64_t sign = std::uint64_t{1} << 63;

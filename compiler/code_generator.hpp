@@ -33,7 +33,7 @@ class vrn_code_generator {
 
   // Compile a node, or a list of nodes in order, into a block; false on the first failure. Only
   // routine blocks take code.
-  bool compile_list(vrn_program_block_base& block, const std::vector<vrn_node>& nodes);
+  bool compile_list(vrn_program_block_base& block, vrn_node_list nodes);
   bool compile(vrn_program_block_base& block, const vrn_ast_node& node);
 
   // Where a variable lies, seen from a block: so many parent links up, at that index.

@@ -17,7 +17,7 @@ bool vrn_code_generator::compile_call(vrn_program_block_base& block,
     return report_node(node, report_cannot_resolve_call);
   }
   auto& routine = static_cast<vrn_program_block_routine&>(block);
-  const auto callee = resolve(routine, node.callee->token->text);
+  const auto callee = resolve(routine, node.callee->token->text());
   return callee ? compile_script_call(routine, node, *callee) : compile_native_call(routine, node);
 }
 
@@ -35,7 +35,7 @@ bool vrn_code_generator::compile_script_call(vrn_program_block_routine& block,
 
 bool vrn_code_generator::compile_native_call(vrn_program_block_routine& block,
                                              const vrn_ast_node_function_call& node) {
-  const std::string_view name = node.callee->token->text;
+  const std::string_view name = node.callee->token->text();
   const auto& functions = script_.state().functions;
   const auto found = functions.find(name);
   if (found == functions.end()) return report_node(node, report_cannot_resolve_call);
@@ -56,7 +56,7 @@ bool vrn_code_generator::compile_arguments(vrn_program_block_routine& block,
                                            const vrn_ast_node_function_call& node,
                                            vrn_opcode store) {
   std::uint32_t position = 0;
-  for (const auto* param = node.params.get(); param; param = param->next.get()) {
+  for (const auto* param = node.params; param; param = param->next) {
     if (!compile(block, *param->value)) return false;
     emit(block, store, position++);
   }
@@ -69,7 +69,7 @@ bool vrn_code_generator::compile_function_def(vrn_program_block_base& block,
     return report_node(node, report_cannot_parse_definition);
   }
   auto& outer = static_cast<vrn_program_block_routine&>(block);
-  const std::string_view name = node.name->text;
+  const std::string_view name = node.token->text();
   if (outer.find_name(name)) return report_node(node, report_function_exists, name);
   const std::uint32_t index = outer.add_variable(name);
   const auto routine = make_routine(outer, node);
@@ -91,8 +91,8 @@ std::shared_ptr<vrn_program_block_routine> vrn_code_generator::make_routine(
     vrn_program_block_routine& block, const vrn_ast_node_function_def& node) {
   auto routine = std::make_shared<vrn_program_block_routine>(&block);
   routine->parameter_count = static_cast<std::uint32_t>(node.params.size());
-  for (const auto& param : node.params) {
-    routine->add_variable(param->name->text);
+  for (const auto* const param : node.params) {
+    routine->add_variable(param->token->text());
     if (param->default_value) {
       log_line(vrn_log_level::log, "TODO: implement default parameters!");
     }

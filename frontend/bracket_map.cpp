@@ -30,11 +30,11 @@ constexpr std::array<bracket, 128> brackets = [] {
 
 }  // namespace
 
-vrn_bracket_map::vrn_bracket_map(std::span<const vrn_token> tokens) : tokens_(tokens) {
+vrn_bracket_map::vrn_bracket_map(std::span<const vrn_src_token> tokens) : tokens_(tokens) {
   std::array<std::vector<std::size_t>, 3> open;  // positions in pairs_
 
   for (std::size_t i = 0; i < tokens.size(); ++i) {
-    const auto [which, shape] = brackets[static_cast<unsigned char>(punctuation(*tokens[i]))];
+    const auto [which, shape] = brackets[static_cast<unsigned char>(punctuation(tokens[i]))];
     if (which == side::none) continue;
     if (which == side::opening) {
       open[shape].push_back(pairs_.size());
@@ -63,14 +63,14 @@ std::size_t vrn_bracket_map::find_closer(std::size_t opener, std::size_t end) {
   if (found.closer < end) {
     if (found.still_open == '\0') return found.closer;
     if (found.still_open == '(') {
-      report_missing_closing_parenthesis(*tokens_[opener]);
+      report_missing_closing_parenthesis(tokens_[opener]);
     } else {
-      report_missing_closing_bracket(*tokens_[opener]);
+      report_missing_closing_bracket(tokens_[opener]);
     }
   } else if (stray_ < end) {
-    report_invalid_closer(*tokens_[stray_], tokens_[stray_]->text);
+    report_invalid_closer(tokens_[stray_], tokens_[stray_].text());
   } else {
-    report_no_closer(*tokens_[opener]);
+    report_no_closer(tokens_[opener]);
   }
   return none;
 }

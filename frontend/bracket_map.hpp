@@ -29,7 +29,7 @@ class vrn_bracket_map {
  public:
   static constexpr std::size_t none = SIZE_MAX;
 
-  explicit vrn_bracket_map(std::span<const vrn_token> tokens);
+  explicit vrn_bracket_map(std::span<const vrn_src_token> tokens);
 
   // The position of the closer of the bracket at `opener`, when the tokens are searched up to
   // `end`; none when the search fails, which has been reported then. Openers are asked about in
@@ -44,7 +44,7 @@ class vrn_bracket_map {
     char still_open = '\0';  // what the opener's rule finds open at the closer
   };
 
-  std::span<const vrn_token> tokens_;
+  std::span<const vrn_src_token> tokens_;
   std::vector<pair> pairs_;   // by their openers
   std::size_t next_ = 0;      // the pair of the next opener to be asked about
   std::size_t stray_ = none;  // the first closer without an opener

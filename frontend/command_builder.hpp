@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "frontend/bracket_map.hpp"
@@ -25,23 +24,28 @@ inline bool is_opener(char symbol) { return symbol == '(' || symbol == '[' || sy
 inline bool is_closer(char symbol) { return symbol == ')' || symbol == ']' || symbol == '}'; }
 
 // Whether the token is a backslash that continues a define on the next line.
-inline bool is_continuation(std::span<const vrn_token> tokens, std::size_t at) {
-  return punctuation(*tokens[at]) == '\\' && at + 1 < tokens.size() &&
-         tokens[at + 1]->kind == vrn_token_kind::end_of_line;
+inline bool is_continuation(std::span<const vrn_src_token> tokens, std::size_t at) {
+  return punctuation(tokens[at]) == '\\' && at + 1 < tokens.size() &&
+         tokens[at + 1].kind == vrn_token_kind::end_of_line;
 }
 
-// Goes through its tokens once, from the first to the last, and moves those that are part of a
-// command to the map. A builder whose operation has returned false has reported why, and is of no
-// further use.
+// Goes through the tokens of the map's source once, from the first to the last, and gathers those
+// of each command when it is complete. They take the place of tokens that have been gone through:
+// there are always enough of those, since a group's token stands for two brackets and that of a
+// body without any for the ")" or ";" before it.
 class vrn_command_builder {
  public:
-  vrn_command_builder(vrn_src_command_map& map, std::span<vrn_token> tokens)
-      : map_(map), tokens_(tokens), brackets_(tokens) {}
+  explicit vrn_command_builder(vrn_src_command_map& map)
+      : map_(map), tokens_(map.source->tokens), brackets_(tokens_) {}
 
-  // Builds all commands up to the position `end`.
-  bool build_list(std::size_t end, vrn_enclosing enclosing, vrn_command_list& list);
+  // Builds all commands; false when that fails, which has been reported then.
+  bool build();
 
  private:
+  // Those that give false have reported why, and the builder is of no further use.
+
+  // Builds all commands up to the position `end`; they become the last of the open ones.
+  bool build_list(std::size_t end, vrn_enclosing enclosing);
   bool build_command(std::size_t end, vrn_enclosing enclosing, vrn_src_command& command);
   bool build_ordinary(std::size_t end, vrn_enclosing enclosing, vrn_src_command& command);
   bool build_define(std::size_t end, vrn_src_command& command);
@@ -59,11 +63,11 @@ class vrn_command_builder {
   std::size_t end_of_line(std::size_t at, std::size_t end) const;
 
   // Adds a token that stands for a new group, which is empty so far; gives the group's position.
-  std::size_t add_group(vrn_enclosing shape, const vrn_src_token& first);
-  void take_token() { open_tokens_.push_back(std::move(tokens_[at_++])); }
+  std::size_t add_group(vrn_enclosing shape, vrn_src_token first);
+  void take_token() { open_tokens_.push_back(tokens_[at_++]); }
   // Whether the token here is part of no command.
   bool at_line_end() const {
-    return is_line_end(*tokens_[at_]) || (in_define_ && is_continuation(tokens_, at_));
+    return is_line_end(tokens_[at_]) || (in_define_ && is_continuation(tokens_, at_));
   }
   void take_or_skip() {
     if (at_line_end()) {
@@ -72,8 +76,10 @@ class vrn_command_builder {
       take_token();
     }
   }
-  // Moves the open tokens from `first` on to the map, as those of the command.
+  // Makes the open tokens from `first` on those of the command.
   void finish(vrn_src_command& command, std::size_t first);
+  // Makes the open commands from `first` on those of the group.
+  void finish_group(std::size_t group, std::size_t first);
 
   void skip_line_ends(std::size_t end);
   // Skip line ends first.
@@ -81,14 +87,15 @@ class vrn_command_builder {
   bool at_symbol(std::size_t end, char symbol);
 
   vrn_src_command_map& map_;
-  std::span<vrn_token> tokens_;
+  std::vector<vrn_src_token>& tokens_;
   vrn_bracket_map brackets_;
   std::uint32_t depth_ = 0;  // of the brackets and bodies being built
   bool in_define_ = false;
   std::size_t at_ = 0;
+  std::uint32_t finished_ = 0;  // how many tokens, from the first on, are those of commands
   // The tokens of the commands and the commands of the lists being built, those of the inner ones
   // behind the outer ones'.
-  std::vector<vrn_token> open_tokens_;
+  std::vector<vrn_src_token> open_tokens_;
   std::vector<vrn_src_command> open_commands_;
 };
 

@@ -1,5 +1,6 @@
 #include "frontend/command_map.hpp"
 
+#include <algorithm>
 #include <utility>
 
 #include "frontend/command_builder.hpp"
@@ -20,45 +21,39 @@ vrn_token_kind group_kind(vrn_enclosing shape) {
                                      static_cast<std::uint32_t>(shape));
 }
 
-// Moves what a stack holds from `first` on to the end of a list.
-template <class T>
-void move_rest(std::vector<T>& stack, std::size_t first, std::vector<T>& list) {
-  const auto begin = stack.begin() + static_cast<std::ptrdiff_t>(first);
-  for (auto each = begin; each != stack.end(); ++each) list.push_back(std::move(*each));
-  stack.erase(begin, stack.end());
-}
-
 std::uint32_t size_of(const auto& list) { return static_cast<std::uint32_t>(list.size()); }
 
 }  // namespace
 
-bool vrn_command_builder::build_list(std::size_t end, vrn_enclosing enclosing,
-                                     vrn_command_list& list) {
-  const std::size_t outer = open_commands_.size();
+bool vrn_command_builder::build() {
+  if (!build_list(tokens_.size(), vrn_enclosing::brace)) return false;
+  tokens_.resize(finished_);
+  map_.top = std::move(open_commands_);
+  return true;
+}
+
+bool vrn_command_builder::build_list(std::size_t end, vrn_enclosing enclosing) {
   for (skip_line_ends(end); at_ < end; skip_line_ends(end)) {
-    const vrn_src_token& first = *tokens_[at_];
+    const vrn_src_token& first = tokens_[at_];
     if (is_closer(punctuation(first))) {
-      report_cannot_parse_token(first, first.text);
+      report_cannot_parse_token(first, first.text());
       return false;
     }
     vrn_src_command command;
     if (!build_command(end, enclosing, command)) return false;
     if (command.first != command.last) open_commands_.push_back(command);
   }
-  list.first = size_of(map_.commands);
-  move_rest(open_commands_, outer, map_.commands);
-  list.last = size_of(map_.commands);
   return true;
 }
 
 bool vrn_command_builder::build_command(std::size_t end, vrn_enclosing enclosing,
                                         vrn_src_command& command) {
-  const vrn_src_token& first = *tokens_[at_];
+  const vrn_src_token& first = tokens_[at_];
   if (first.is_symbol("#")) return build_define(end, command);
   if (first.kind == vrn_token_kind::word) {
-    if (first.text == "if") return build_conditional(end, enclosing, command);
-    if (first.text == "for") return build_loop(end, enclosing, command);
-    if (first.text == "else") {
+    if (first.text() == "if") return build_conditional(end, enclosing, command);
+    if (first.text() == "for") return build_loop(end, enclosing, command);
+    if (first.text() == "else") {
       report_else_without_if(first);
       return false;
     }
@@ -70,8 +65,7 @@ bool vrn_command_builder::build_ordinary(std::size_t end, vrn_enclosing enclosin
                                          vrn_src_command& command) {
   const std::size_t first = open_tokens_.size();
   for (bool complete = false; !complete && at_ < end;) {
-    const vrn_src_token& token = *tokens_[at_];
-    const char symbol = punctuation(token);
+    const char symbol = punctuation(tokens_[at_]);
     if (is_closer(symbol)) break;
     if (symbol == ';' || (symbol == ',' && enclosing == vrn_enclosing::paren)) {
       ++at_;
@@ -88,7 +82,7 @@ bool vrn_command_builder::build_ordinary(std::size_t end, vrn_enclosing enclosin
 }
 
 bool vrn_command_builder::build_group(std::size_t end) {
-  const vrn_src_token& opener = *tokens_[at_];
+  const vrn_src_token& opener = tokens_[at_];
   const std::size_t closer = brackets_.find_closer(at_, end);
   if (closer == vrn_bracket_map::none) return false;
   const nesting_level level(depth_);
@@ -97,35 +91,42 @@ bool vrn_command_builder::build_group(std::size_t end) {
     return false;
   }
 
-  const vrn_enclosing shape = shape_of(opener.text.front());
+  const vrn_enclosing shape = shape_of(punctuation(opener));
   const std::size_t group = add_group(shape, opener);
-  vrn_command_list list;
+  const std::size_t outer = open_commands_.size();
   ++at_;
-  if (!build_list(closer, shape, list)) return false;
-  map_.groups[group] = list;
+  if (!build_list(closer, shape)) return false;
+  finish_group(group, outer);
   at_ = closer + 1;
   return true;
 }
 
-std::size_t vrn_command_builder::add_group(vrn_enclosing shape, const vrn_src_token& first) {
+std::size_t vrn_command_builder::add_group(vrn_enclosing shape, vrn_src_token first) {
   const std::size_t group = map_.groups.size();
   map_.groups.emplace_back();
-  open_tokens_.push_back(map_.store.make<vrn_src_token>(vrn_src_token{
-      .text = first.text,
-      .source = first.source,
-      .line = first.line,
-      .column = first.column,
-      .index = first.index,
-      .kind = group_kind(shape),
-      .command = static_cast<std::uint32_t>(group),
-  }));
+  first.kind = group_kind(shape);
+  first.extent = static_cast<std::uint32_t>(group);
+  first.space_before = false;
+  first.symbol = 0;
+  open_tokens_.push_back(first);
   return group;
 }
 
 void vrn_command_builder::finish(vrn_src_command& command, std::size_t first) {
-  command.first = size_of(map_.tokens);
-  move_rest(open_tokens_, first, map_.tokens);
-  command.last = size_of(map_.tokens);
+  command.first = finished_;
+  const auto begin = open_tokens_.begin() + static_cast<std::ptrdiff_t>(first);
+  std::copy(begin, open_tokens_.end(), tokens_.begin() + finished_);
+  finished_ += static_cast<std::uint32_t>(open_tokens_.end() - begin);
+  open_tokens_.erase(begin, open_tokens_.end());
+  command.last = finished_;
+}
+
+void vrn_command_builder::finish_group(std::size_t group, std::size_t first) {
+  const auto begin = open_commands_.begin() + static_cast<std::ptrdiff_t>(first);
+  map_.groups[group].first = size_of(map_.commands);
+  map_.commands.insert(map_.commands.end(), begin, open_commands_.end());
+  map_.groups[group].last = size_of(map_.commands);
+  open_commands_.erase(begin, open_commands_.end());
 }
 
 void vrn_command_builder::skip_line_ends(std::size_t end) {
@@ -134,22 +135,18 @@ void vrn_command_builder::skip_line_ends(std::size_t end) {
 
 bool vrn_command_builder::at_word(std::size_t end, std::string_view word) {
   skip_line_ends(end);
-  return at_ < end && tokens_[at_]->is_word(word);
+  return at_ < end && tokens_[at_].is_word(word);
 }
 
 bool vrn_command_builder::at_symbol(std::size_t end, char symbol) {
   skip_line_ends(end);
-  return at_ < end && punctuation(*tokens_[at_]) == symbol;
+  return at_ < end && punctuation(tokens_[at_]) == symbol;
 }
 
 std::shared_ptr<vrn_src_command_map> create_command_map(std::shared_ptr<vrn_src_token_view> view) {
   auto map = std::make_shared<vrn_src_command_map>();
   map->source = std::move(view);
-  std::vector<vrn_token> tokens = std::exchange(map->source->tokens, {});
-  map->tokens.reserve(tokens.size());
-  vrn_command_builder builder(*map, tokens);
-  if (!builder.build_list(tokens.size(), vrn_enclosing::brace, map->top)) return nullptr;
-  return map;
+  return vrn_command_builder(*map).build() ? map : nullptr;
 }
 
 }  // namespace vorn

@@ -8,8 +8,8 @@
 
 namespace vorn {
 
-// Groups the view's tokens, which it takes over, into commands; empty on failure, which has been
-// reported then.
+// Groups the view's tokens into commands, whose tokens replace them; empty on failure, which has
+// been reported then.
 std::shared_ptr<vrn_src_command_map> create_command_map(std::shared_ptr<vrn_src_token_view> view);
 
 }  // namespace vorn

@@ -35,10 +35,10 @@ bool vrn_command_builder::build_loop(std::size_t end, vrn_enclosing enclosing,
 }
 
 bool vrn_command_builder::build_header(std::size_t end) {
-  const vrn_src_token& keyword = *tokens_[at_];
+  const vrn_src_token& keyword = tokens_[at_];
   take_token();
   if (!at_symbol(end, '(')) {
-    report_expected_parentheses(keyword, keyword.text);
+    report_expected_parentheses(keyword, keyword.text());
     return false;
   }
   return build_group(end);
@@ -50,14 +50,13 @@ bool vrn_command_builder::build_body(std::size_t end, vrn_enclosing enclosing) {
   if (at_symbol(end, '{')) return build_group(end);
   if (at_ == end) return true;
   const nesting_level level(depth_);
-  const vrn_src_token& first = *tokens_[at_];
+  const vrn_src_token first = tokens_[at_];
   vrn_src_command body;
   if (!build_command(end, enclosing, body)) return false;
   if (body.first == body.last) return true;
-  const std::size_t group = add_group(vrn_enclosing::brace, first);
-  const auto position = static_cast<std::uint32_t>(map_.commands.size());
-  map_.commands.push_back(body);
-  map_.groups[group] = {position, position + 1};
+  const std::size_t outer = open_commands_.size();
+  open_commands_.push_back(body);
+  finish_group(add_group(vrn_enclosing::brace, first), outer);
   return true;
 }
 

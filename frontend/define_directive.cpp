@@ -12,12 +12,12 @@ namespace vorn {
 namespace {
 
 // Empty when nobody is going to see it.
-std::string define_line(std::span<const vrn_token> texts) {
+std::string define_line(std::span<const vrn_src_token> texts) {
   if (!get_log().enabled(vrn_log_level::verbose)) return {};
   std::string line = "DEF";
   for (std::size_t at = 0; at < texts.size(); ++at) {
-    if (!is_line_end(*texts[at]) && !is_continuation(texts, at)) {
-      line.append(" ").append(texts[at]->text);
+    if (!is_line_end(texts[at]) && !is_continuation(texts, at)) {
+      line.append(" ").append(texts[at].text());
     }
   }
   return line;
@@ -29,26 +29,26 @@ std::string define_line(std::span<const vrn_token> texts) {
 // It keeps every ";" and "," of the line, unlike an ordinary command.
 bool vrn_command_builder::build_define(std::size_t end, vrn_src_command& command) {
   const std::size_t sign = at_;
-  if (end - at_ < 3 || !tokens_[at_ + 1]->is_word("define") ||
-      tokens_[at_ + 2]->kind != vrn_token_kind::word) {
-    report_invalid_directive(*tokens_[sign]);
+  if (end - at_ < 3 || !tokens_[at_ + 1].is_word("define") ||
+      tokens_[at_ + 2].kind != vrn_token_kind::word) {
+    report_invalid_directive(tokens_[sign]);
     return false;
   }
   command.kind = vrn_command_kind::define;
   const std::size_t first = open_tokens_.size();
-  const std::size_t first_inner = map_.tokens.size();
+  const std::uint32_t first_inner = finished_;
   at_ += 2;
   const std::size_t line_end = end_of_line(at_ + 1, end);
-  const std::string line = define_line(tokens_.subspan(at_, line_end - at_));
+  const std::string line = define_line(std::span(tokens_).subspan(at_, line_end - at_));
   take_token();
   const bool is_outermost = !std::exchange(in_define_, true);
   while (at_ < line_end) {
-    const vrn_src_token& token = *tokens_[at_];
+    const vrn_src_token& token = tokens_[at_];
     const char symbol = punctuation(token);
     if (is_opener(symbol)) {
       if (!build_group(line_end)) return false;
     } else if (is_closer(symbol)) {
-      report_cannot_parse_token(token, token.text);
+      report_cannot_parse_token(token, token.text());
       return false;
     } else {
       take_or_skip();
@@ -57,7 +57,7 @@ bool vrn_command_builder::build_define(std::size_t end, vrn_src_command& command
   if (is_outermost) in_define_ = false;
   finish(command, first);
   // The tokens of its groups were finished since it was begun; the name is no part of the body.
-  command.body_size = static_cast<std::uint32_t>(command.last - first_inner - 1);
+  command.body_size = command.last - first_inner - 1;
   log_line(vrn_log_level::verbose, line);
   return true;
 }
@@ -66,7 +66,7 @@ bool vrn_command_builder::build_define(std::size_t end, vrn_src_command& command
 std::size_t vrn_command_builder::end_of_line(std::size_t at, std::size_t end) const {
   if (in_define_) return end;
   while (at < end &&
-         (tokens_[at]->kind != vrn_token_kind::end_of_line || is_continuation(tokens_, at - 1))) {
+         (tokens_[at].kind != vrn_token_kind::end_of_line || is_continuation(tokens_, at - 1))) {
     ++at;
   }
   return at;

@@ -30,7 +30,7 @@ std::string find_file(const std::string& name, const vrn_src_token_view& include
 
 std::shared_ptr<vrn_src_token_view> open_view(const std::string& path, std::string text,
                                               const vrn_src_token_view& includer,
-                                              const vrn_token& operand) {
+                                              const vrn_src_token& operand) {
   auto view = std::make_shared<vrn_src_token_view>();
   view->name = path;
   view->directory = directory_of(path);
@@ -56,17 +56,17 @@ class include_pass {
  private:
   std::uint32_t splice(vrn_src_token_view& view) {
     std::uint32_t lines = 0;
-    std::vector<vrn_token> tokens = std::exchange(view.tokens, {});
+    const std::vector<vrn_src_token> tokens = std::exchange(view.tokens, {});
     for (std::size_t i = 0; i < tokens.size(); ++i) {
       const bool is_directive =
-          tokens[i]->is_symbol("#") && i + 1 < tokens.size() && tokens[i + 1]->is_word("include");
+          tokens[i].is_symbol("#") && i + 1 < tokens.size() && tokens[i + 1].is_word("include");
       if (!is_directive) {
-        spliced_.push_back(std::move(tokens[i]));
+        spliced_.push_back(tokens[i]);
         continue;
       }
       const std::size_t first = i + 2;
-      for (i = first; i < tokens.size() && tokens[i]->kind != vrn_token_kind::end_of_line; ++i) {
-        if (tokens[i]->kind != vrn_token_kind::string) report_invalid_include(*tokens[i]);
+      for (i = first; i < tokens.size() && tokens[i].kind != vrn_token_kind::end_of_line; ++i) {
+        if (tokens[i].kind != vrn_token_kind::string) report_invalid_include(tokens[i]);
       }
       // The text of an operand of a wrong kind is deliberately tried as a file name all the same.
       for (std::size_t k = first; k < i; ++k) lines += include(view, tokens[k]);
@@ -74,11 +74,11 @@ class include_pass {
     return lines;
   }
 
-  std::uint32_t include(vrn_src_token_view& includer, const vrn_token& operand) {
-    const std::string name = file_name_of(operand->text);
+  std::uint32_t include(vrn_src_token_view& includer, const vrn_src_token& operand) {
+    const std::string name = file_name_of(operand.text());
     const std::string path = find_file(name, includer);
     if (path.empty()) {
-      report_file_not_found(*operand, name);
+      report_file_not_found(operand, name);
       return 0;
     }
     if (main_.included.contains(path)) {
@@ -87,7 +87,7 @@ class include_pass {
     }
     const nesting_level level(depth_);
     if (level.too_deep()) {
-      report_nesting_too_deep(*operand);
+      report_nesting_too_deep(operand);
       return 0;
     }
     main_.included.emplace(path, std::make_shared<std::string>(path));
@@ -111,21 +111,19 @@ class include_pass {
 
   // The end of a file ends its last line, also one that a backslash continues.
   void end_last_line(vrn_src_token_view& view) {
-    const std::size_t end = view.text.size();
-    const vrn_src_token mark{.text = std::string_view(view.text).substr(end),
-                             .source = &view,
-                             .line = static_cast<std::int32_t>(view.lines.size()),
+    const vrn_src_token mark{.source = &view,
+                             .begin = static_cast<std::uint32_t>(view.text.size()),
+                             .extent = 0,
                              .column = 0,
-                             .index = static_cast<std::uint32_t>(end),
                              .kind = vrn_token_kind::end_of_line};
-    while (spliced_.back()->kind != vrn_token_kind::end_of_line ||
-           (spliced_.size() > 1 && spliced_[spliced_.size() - 2]->is_symbol("\\"))) {
-      spliced_.push_back(view.store.make<vrn_src_token>(mark));
+    while (spliced_.back().kind != vrn_token_kind::end_of_line ||
+           (spliced_.size() > 1 && spliced_[spliced_.size() - 2].is_symbol("\\"))) {
+      spliced_.push_back(mark);
     }
   }
 
   vrn_src_token_view& main_;
-  std::vector<vrn_token> spliced_;
+  std::vector<vrn_src_token> spliced_;
   std::uint32_t depth_ = 0;
 };
 

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 #include "frontend/code_point.hpp"
 #include "frontend/include_pass.hpp"
@@ -173,8 +174,8 @@ class lexer {
   void read_line_end(std::uint32_t length) {
     const mark start = here();
     at_ += length;
-    if (!view_.tokens.empty() && view_.tokens.back()->kind != vrn_token_kind::end_of_line) {
-      add_token(vrn_token_kind::end_of_line, start, {start.at, length}, false);
+    if (!view_.tokens.empty() && view_.tokens.back().kind != vrn_token_kind::end_of_line) {
+      add_token(vrn_token_kind::end_of_line, start, start.at, at_);
     }
     begin_line();
     space_before_ = true;
@@ -243,8 +244,7 @@ class lexer {
           if (last_quotes == 0) continue;
           advance(last_quotes, 2);
         }
-        add_token(vrn_token_kind::string, {start.at, line_, start.column},
-                  {text, static_cast<std::size_t>(next_at - text)}, false);
+        add_token(vrn_token_kind::string, start, text, next_at).triple_quoted = is_triple;
         space_before_ = false;
         return true;
       }
@@ -265,7 +265,8 @@ class lexer {
     const std::uint32_t first = peek().value;
     advance(peek().length);
     if (first != '0' || !read_prefixed_digits()) read_decimal_rest(start);
-    add_token_from(start, vrn_token_kind::word, false);
+    add_token(vrn_token_kind::word, start, start.at, at_);
+    space_before_ = false;
   }
 
   // After a leading zero; a prefix needs no digits.
@@ -298,7 +299,7 @@ class lexer {
   void read_word() {
     const mark start = here();
     take_while(is_word_part);
-    add_token_from(start, vrn_token_kind::word, space_before_);
+    take_blank(add_token(vrn_token_kind::word, start, start.at, at_));
   }
 
   void read_symbol(code_point next) {
@@ -307,26 +308,25 @@ class lexer {
     const auto length = matched > 0 ? static_cast<std::uint32_t>(matched) : next.length;
     if (next.value == '#') has_directives_ = true;
     advance(length, length);
-    add_token_from(start, vrn_token_kind::symbol, space_before_);
-    vrn_src_token& symbol = *view_.tokens.back();
-    symbol.symbol = symbol_code(symbol.text);
+    vrn_src_token& symbol = add_token(vrn_token_kind::symbol, start, start.at, at_);
+    symbol.symbol = symbol_code({start.at, length});
+    take_blank(symbol);
   }
 
-  void add_token_from(const mark& start, vrn_token_kind kind, bool space_before) {
-    add_token(kind, start, {start.at, static_cast<std::size_t>(at_ - start.at)}, space_before);
-    space_before_ = false;
-  }
-
-  void add_token(vrn_token_kind kind, const mark& start, std::string_view text, bool space_before) {
-    view_.tokens.push_back(view_.store.make<vrn_src_token>(vrn_src_token{
-        .text = text,
+  vrn_src_token& add_token(vrn_token_kind kind, const mark& start, const char* text,
+                           const char* text_end) {
+    return view_.tokens.emplace_back(vrn_src_token{
         .source = &view_,
-        .line = static_cast<std::int32_t>(start.line),
+        .begin = static_cast<std::uint32_t>(text - begin_),
+        .extent = static_cast<std::uint32_t>(text_end - text),
         .column = start.column,
-        .index = static_cast<std::uint32_t>(start.at - begin_),
         .kind = kind,
-        .space_before = space_before,
-    }));
+    });
+  }
+
+  // Notes whether there is a blank before a token.
+  void take_blank(vrn_src_token& token) {
+    token.space_before = std::exchange(space_before_, false);
   }
 
   vrn_src_place place(const mark& start) const {

@@ -57,10 +57,9 @@ void append_include_trace(std::string& block, const vrn_src_place& place,
   if (chain.empty()) return;
 
   for (auto view = chain.rbegin(); view != chain.rend(); ++view) {
-    const vrn_src_token& included_at = *(*view)->included_at;
+    const vrn_src_token& included_at = (*view)->included_at;
     block.append("\n|-- ").append((*view)->parent->name);
-    append_position(block, " --> Line ", static_cast<std::uint32_t>(included_at.line), ", Index ",
-                    included_at.column);
+    append_position(block, " --> Line ", included_at.line(), ", Index ", included_at.column);
   }
   block.append("\n`--> ").append(place.file_name);
   append_position(block, " --> Line ", place.line, ", Index ", place.column);
@@ -99,7 +98,7 @@ std::string_view shown_piece(std::string_view line, std::size_t begin) {
 // line stands where its column falls in its last.
 std::size_t offset_in_line(std::string_view line, const vrn_src_token& token) {
   const auto line_start = static_cast<std::size_t>(line.data() - token.source->text.data());
-  if (token.index >= line_start) return std::min(token.index - line_start, line.size());
+  if (token.index() >= line_start) return std::min(token.index() - line_start, line.size());
   std::size_t offset = 0;
   for (std::uint32_t column = 0; offset < line.size(); ++offset) {
     if (!continues_character(line[offset]) && column++ == token.column) break;
@@ -126,17 +125,14 @@ void report(const vrn_src_token& token, std::string_view text, std::string_view 
   vrn_log_base& logger = get_log();
   if (!logger.enabled(vrn_log_level::error)) return;
   const vrn_src_token_view* const source = token.source;
-  vrn_src_place place{{}, static_cast<std::uint32_t>(token.line), token.column, {}};
+  const std::uint32_t line = token.line();
+  vrn_src_place place{source->name, line, token.column, source->line_text(line)};
   std::size_t caret = token.column;
-  if (source) {
-    place.file_name = source->name;
-    place.excerpt = source->line_text(token.line);
-    if (place.excerpt.size() > shown_max) {
-      const std::size_t at = offset_in_line(place.excerpt, token);
-      const std::size_t begin = at - std::min(at, shown_max / 2);
-      caret = count_characters(place.excerpt.substr(begin, at - begin));
-      place.excerpt = shown_piece(place.excerpt, begin);
-    }
+  if (place.excerpt.size() > shown_max) {
+    const std::size_t at = offset_in_line(place.excerpt, token);
+    const std::size_t begin = at - std::min(at, shown_max / 2);
+    caret = count_characters(place.excerpt.substr(begin, at - begin));
+    place.excerpt = shown_piece(place.excerpt, begin);
   }
   write_report(logger, place, caret, {text, operand, ending}, source);
 }

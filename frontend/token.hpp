@@ -8,10 +8,6 @@
 #include <unordered_map>
 #include <vector>
 
-#include <vornscript/ref.hpp>
-
-#include "memory/block_store.hpp"
-
 namespace vorn {
 
 enum class vrn_token_kind : std::uint8_t {
@@ -29,30 +25,39 @@ constexpr std::uint16_t symbol_code(std::string_view spelling) {
 
 struct vrn_src_token_view;
 
+// A program has very many of these, so what can be worked out from the source is not kept.
 struct vrn_src_token {
-  std::string_view text;  // lies in the view's text
   const vrn_src_token_view* source;
-  std::int32_t line;     // from 1; a string's is the line of its closing quote
+  std::uint32_t begin;   // of the text, a byte offset in the source's
+  std::uint32_t extent;  // the text's length in bytes; of a group token, its number
   std::uint32_t column;  // of the first character, from 0, in code points
-  std::uint32_t index;   // byte offset in the source text
   vrn_token_kind kind;
-  bool space_before = false;  // never set on numbers, strings and groups
-  std::uint16_t symbol = 0;   // its code; 0 when the token is no symbol
-  std::uint32_t command = 0;  // of a group token: its position among the groups
-  std::uint32_t reference_count = 0;
+  bool space_before : 1 = false;   // never set on numbers, strings and groups
+  bool triple_quoted : 1 = false;  // a string whose quotes are three characters each
+  std::uint16_t symbol = 0;        // its code; 0 when the token is no symbol
+
+  bool is_group() const {
+    return kind >= vrn_token_kind::group_paren && kind <= vrn_token_kind::group_brace;
+  }
+  // A group token's is its first character, the opening bracket if it has one.
+  std::string_view text() const;
+  // From 1; a string's is the line of its closing quote.
+  std::uint32_t line() const;
+  // The byte offset of the first character, a string's opening quote.
+  std::uint32_t index() const {
+    if (kind != vrn_token_kind::string) return begin;
+    return begin - (triple_quoted ? 3 : 1);
+  }
 
   bool is_symbol(std::string_view spelling) const { return symbol == symbol_code(spelling); }
   bool is_word(std::string_view spelling) const {
-    return kind == vrn_token_kind::word && text == spelling;
+    return kind == vrn_token_kind::word && text() == spelling;
   }
 };
+static_assert(sizeof(vrn_src_token) == 24);
 
-inline void release_last(vrn_src_token* token) noexcept { vrn_block_store::destroy(token); }
-
-using vrn_token = vrn_ref<vrn_src_token>;
-
-// The token map of one source file. Owns the text that its tokens point into, and the views of the
-// files that it includes, whose tokens stand among its own.
+// The token map of one source file. Owns the tokens and the text that they lie in, and the views of
+// the files that it includes, whose tokens stand among its own.
 struct vrn_src_token_view {
   vrn_src_token_view() = default;
   vrn_src_token_view(const vrn_src_token_view&) = delete;
@@ -60,22 +65,25 @@ struct vrn_src_token_view {
 
   // The text of a line, from its first byte to its end; empty when there is no such line. Asked
   // again for the same line, it need not look for the end.
-  std::string_view line_text(std::int32_t line) const;
+  std::string_view line_text(std::uint32_t line) const;
 
+  std::string text;  // normalised; not changed once there are tokens
   std::string name;  // the file's canonical path, or "<memory>"
   std::string directory;
-  std::string text;  // normalised; not changed once tokens point into it
-  std::vector<vrn_token> tokens;
+  std::vector<vrn_src_token> tokens;
   std::unordered_map<std::string, std::shared_ptr<std::string>> included;  // of the main file
   std::vector<std::uint32_t> lines;  // where line n+1 begins in the text
   std::vector<std::shared_ptr<vrn_src_token_view>> includes;
   const vrn_src_token_view* parent = nullptr;  // null for the main file
-  vrn_token included_at;                       // the operand that named this file in the parent
-  vrn_block_store store;                       // of the tokens
+  vrn_src_token included_at{};                 // the operand that named this file in the parent
 
  private:
-  mutable std::int32_t measured_line_ = 0;  // the last that was asked for
+  mutable std::uint32_t measured_line_ = 0;  // the last that was asked for
   mutable std::size_t measured_length_ = 0;
 };
+
+inline std::string_view vrn_src_token::text() const {
+  return {source->text.data() + begin, is_group() ? 1 : extent};
+}
 
 }  // namespace vorn

@@ -24,15 +24,15 @@ enum class keyword { none, if_, else_, for_, return_ };
 
 keyword keyword_of(const vrn_src_token& token) {
   if (token.kind != vrn_token_kind::word) return keyword::none;
-  switch (token.text.size()) {
+  switch (token.extent) {
     case 2:
-      return token.text == "if" ? keyword::if_ : keyword::none;
+      return token.text() == "if" ? keyword::if_ : keyword::none;
     case 3:
-      return token.text == "for" ? keyword::for_ : keyword::none;
+      return token.text() == "for" ? keyword::for_ : keyword::none;
     case 4:
-      return token.text == "else" ? keyword::else_ : keyword::none;
+      return token.text() == "else" ? keyword::else_ : keyword::none;
     case 6:
-      return token.text == "return" ? keyword::return_ : keyword::none;
+      return token.text() == "return" ? keyword::return_ : keyword::none;
     default:
       return keyword::none;
   }
@@ -57,48 +57,39 @@ std::size_t expressions_in(vrn_command_span list) {
   return list.size() - static_cast<std::size_t>(std::count_if(list.begin(), list.end(), is_define));
 }
 
-vrn_node vrn_parser::fail(vrn_reporter reporter, const vrn_token& at) {
-  return failed_ ? vrn_node() : fail_loudly(reporter, at);
+vrn_node vrn_parser::fail(vrn_reporter reporter, const vrn_src_token& at) {
+  return failed_ ? nullptr : fail_loudly(reporter, at);
 }
 
-vrn_node vrn_parser::fail(vrn_operand_reporter reporter, const vrn_token& at,
+vrn_node vrn_parser::fail(vrn_operand_reporter reporter, const vrn_src_token& at,
                           std::string_view operand) {
-  if (!failed_) reporter(*at, operand);
+  if (!failed_) reporter(at, operand);
   failed_ = true;
-  return {};
+  return nullptr;
 }
 
-vrn_node vrn_parser::fail_loudly(vrn_reporter reporter, const vrn_token& at) {
-  reporter(*at);
+vrn_node vrn_parser::fail_loudly(vrn_reporter reporter, const vrn_src_token& at) {
+  reporter(at);
   failed_ = true;
-  return {};
+  return nullptr;
 }
 
 bool vrn_parser::parse_program() {
-  const vrn_command_span commands = commands_.commands_of(commands_.top);
-  ast_.nodes.reserve(commands.size());
-  const vrn_src_command* const failed = parse_list(commands, ast_.nodes);
+  const vrn_src_command* const failed = parse_list(commands_.top, ast_.nodes);
   if (!failed) return true;
-  const vrn_token& first = commands_.view(*failed).front();
-  fail(report_cannot_parse_command, first, first->text);
+  const vrn_src_token& first = commands_.view(*failed).front();
+  fail(report_cannot_parse_command, first, first.text());
   return false;
 }
 
 vrn_node vrn_parser::parse(vrn_src_command_view range) {
-  if (range.size() == 0) return {};
+  if (range.size() == 0) return nullptr;
   const nesting_level level(depth_);
   if (level.too_deep()) return fail(report_nesting_too_deep, range.front());
   const std::size_t outer = assigns_.size();
   vrn_node value = parse_value(range);
-  if (assigns_.size() > outer) value = finish_assigns(outer, std::move(value));
+  if (assigns_.size() > outer) value = finish_assigns(outer, value);
   return value;
-}
-
-bool vrn_parser::parse_into(vrn_src_command_view range, std::vector<vrn_node>& nodes) {
-  vrn_node node = parse(range);
-  if (!node) return false;
-  nodes.push_back(std::move(node));
-  return true;
 }
 
 vrn_node vrn_parser::parse_value(vrn_src_command_view range) {
@@ -106,21 +97,21 @@ vrn_node vrn_parser::parse_value(vrn_src_command_view range) {
     if (is_simple(range)) return parse_simple(range);
     const auto sign = find_sign(range);
     if (!sign) return parse_operators(range);
-    if (range.first < *sign && range.token(*sign - 1)->is_symbol(":") && *sign + 1 < range.last) {
+    if (range.first < *sign && range.token(*sign - 1).is_symbol(":") && *sign + 1 < range.last) {
       return parse_list_addition(range, *sign);
     }
-    if (!parse_target(range, *sign)) return {};
+    if (!parse_target(range, *sign)) return nullptr;
     range.first = *sign + 1;
   }
 }
 
 bool vrn_parser::is_simple(vrn_src_command_view range) {
-  return range.size() == 1 || keyword_of(*range.front()) != keyword::none;
+  return range.size() == 1 || keyword_of(range.front()) != keyword::none;
 }
 
 vrn_node vrn_parser::parse_simple(vrn_src_command_view range) {
-  const vrn_token& first = range.front();
-  switch (keyword_of(*first)) {
+  const vrn_src_token& first = range.front();
+  switch (keyword_of(first)) {
     case keyword::if_:
     case keyword::else_:
       return parse_condition(range);
@@ -131,7 +122,7 @@ vrn_node vrn_parser::parse_simple(vrn_src_command_view range) {
     case keyword::none:
       break;
   }
-  switch (first->kind) {
+  switch (first.kind) {
     case vrn_token_kind::word:
       return parse_word(first);
     case vrn_token_kind::string:
@@ -147,14 +138,14 @@ vrn_node vrn_parser::parse_simple(vrn_src_command_view range) {
   }
 }
 
-vrn_node vrn_parser::parse_word(const vrn_token& token) {
+vrn_node vrn_parser::parse_word(const vrn_src_token& token) {
   if (!defines_.empty()) {
-    const auto found = defines_.find(token->text);
+    const auto found = defines_.find(token.text());
     if (found != defines_.end() && !found->second.in_use) {
       return replace_define(found->second, token);
     }
   }
-  switch (word_kind(token->text)) {
+  switch (word_kind(token.text())) {
     case vrn_node_kind::int_node:
       return ast_.make<vrn_ast_node_int>(token);
     case vrn_node_kind::float_node:
@@ -165,15 +156,15 @@ vrn_node vrn_parser::parse_word(const vrn_token& token) {
 }
 
 void vrn_parser::add_define(const vrn_src_command& command) {
-  defines_[commands_.view(command).front()->text].command = command;
+  defines_[commands_.view(command).front().text()].command = command;
 }
 
-vrn_node vrn_parser::replace_define(define& found, const vrn_token& token) {
+vrn_node vrn_parser::replace_define(define& found, const vrn_src_token& token) {
   vrn_src_command_view body = commands_.view(found.command);
   ++body.first;
   replaced_tokens_ += found.command.body_size;
   const std::uint64_t tokens_max =
-      std::max(replaced_tokens_max, replaced_tokens_ratio * commands_.tokens.size());
+      std::max(replaced_tokens_max, replaced_tokens_ratio * commands_.source->tokens.size());
   if (++replacements_ > replacements_max || replaced_tokens_ > tokens_max) {
     return fail(report_expands_too_much, token);
   }
@@ -185,22 +176,22 @@ vrn_node vrn_parser::replace_define(define& found, const vrn_token& token) {
 }
 
 vrn_node vrn_parser::parse_paren_group(vrn_src_command_view range) {
-  const vrn_command_span list = commands_.group(*range.front());
+  const vrn_command_span list = commands_.group(range.front());
   if (expressions_in(list) > 1) return fail(report_too_many_expressions, range.front());
   return parse_only(list);
 }
 
 vrn_node vrn_parser::parse_brace_group(vrn_src_command_view range) {
-  const vrn_command_span list = commands_.group(*range.front());
+  const vrn_command_span list = commands_.group(range.front());
   const auto expressions = expressions_in(list);
-  auto block = ast_.make<vrn_ast_node_sub_block>(range.front());
+  auto* const block = ast_.make<vrn_ast_node_sub_block>(range.front());
   if (expressions <= 1) block->body = parse_only(list);
   if (expressions > 0 && !block->body) return fail(report_cannot_parse_sub_block, range.front());
   return block;
 }
 
 vrn_node vrn_parser::parse_only(vrn_command_span list) {
-  vrn_node node;
+  vrn_node node = nullptr;
   for (const vrn_src_command& command : list) {
     if (is_define(command)) {
       add_define(command);
@@ -211,11 +202,16 @@ vrn_node vrn_parser::parse_only(vrn_command_span list) {
   return node;
 }
 
-const vrn_src_command* vrn_parser::parse_list(vrn_command_span list, std::vector<vrn_node>& nodes) {
+const vrn_src_command* vrn_parser::parse_list(vrn_command_span list, vrn_node_list& nodes) {
+  nodes = ast_.make_list<vrn_node>(expressions_in(list));
+  auto place = nodes.begin();
   for (const vrn_src_command& command : list) {
     if (is_define(command)) {
       add_define(command);
-    } else if (!parse_into(commands_.view(command), nodes)) {
+    } else if (const vrn_node node = parse(commands_.view(command))) {
+      *place++ = node;
+    } else {
+      nodes = nodes.first(static_cast<std::size_t>(place - nodes.begin()));
       return &command;
     }
   }
@@ -223,8 +219,7 @@ const vrn_src_command* vrn_parser::parse_list(vrn_command_span list, std::vector
 }
 
 std::shared_ptr<vrn_ast> create_ast(const vrn_src_command_map& commands) {
-  auto ast = std::make_shared<vrn_ast>();
-  ast->source = commands.source;
+  auto ast = std::make_shared<vrn_ast>(commands.source);
   return vrn_parser(commands, *ast).parse_program() ? ast : nullptr;
 }
 

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -46,27 +47,25 @@ class vrn_parser {
 
   // An operator that waits for one of its sides.
   struct open_split {
-    vrn_ref<vrn_ast_node_binary> node;
+    vrn_ast_node_binary* node;
     vrn_src_command_view rest;  // the right side
     std::uint32_t at;           // the operator that the right side splits at
   };
 
   // parser.cpp: commands, single tokens, defines
   vrn_node parse(vrn_src_command_view range);
-  // Adds what a range gives to a list; false when that is nothing.
-  bool parse_into(vrn_src_command_view range, std::vector<vrn_node>& nodes);
   vrn_node parse_value(vrn_src_command_view range);
   // Whether a range begins with a keyword or has one token, and what it gives then.
   static bool is_simple(vrn_src_command_view range);
   vrn_node parse_simple(vrn_src_command_view range);
-  vrn_node parse_word(const vrn_token& token);
+  vrn_node parse_word(const vrn_src_token& token);
   vrn_node parse_paren_group(vrn_src_command_view range);
   vrn_node parse_brace_group(vrn_src_command_view range);
   void add_define(const vrn_src_command& command);
-  vrn_node replace_define(define& found, const vrn_token& token);
-  // The commands of a list in order, defines taken in on the way. Gives the command that gave no
-  // node, which ends it; null when there is none.
-  const vrn_src_command* parse_list(vrn_command_span list, std::vector<vrn_node>& nodes);
+  vrn_node replace_define(define& found, const vrn_src_token& token);
+  // The commands of a list in order, defines taken in on the way; what they give becomes `nodes`.
+  // Gives the command that gave no node, which ends it; null when there is none.
+  const vrn_src_command* parse_list(vrn_command_span list, vrn_node_list& nodes);
   // The one expression among a list's commands.
   vrn_node parse_only(vrn_command_span list);
 
@@ -94,35 +93,35 @@ class vrn_parser {
   vrn_node parse_before_group(vrn_src_command_view range, std::uint32_t first_index);
   vrn_node parse_index(vrn_src_command_view range, std::uint32_t first_index);
   vrn_node parse_initializer_list(vrn_src_command_view range);
-  bool parse_initializer_entries(vrn_src_command_view range,
-                                 std::vector<std::vector<vrn_node>>& entries);
+  bool parse_initializer_entries(vrn_src_command_view range, std::vector<vrn_node_list>& entries);
+  vrn_node_list make_list(std::initializer_list<vrn_node> nodes);
   vrn_node parse_function_def(vrn_src_command_view range);
   bool parse_def_words(vrn_src_command_view range, vrn_ast_node_function_def& node);
-  vrn_ref<vrn_ast_node_function_def_param> parse_param(const vrn_src_command& command);
+  const vrn_ast_node_function_def_param* parse_param(const vrn_src_command& command);
   vrn_node parse_struct(vrn_src_command_view range);
   vrn_node parse_call(vrn_src_command_view range);
 
   // statement.cpp: conditions, loops, return
   vrn_node parse_condition(vrn_src_command_view range);
-  bool parse_branch(vrn_src_command_view range, std::uint32_t at, vrn_ast_condition_branch& branch);
-  bool parse_body(vrn_src_command_view range, std::uint32_t at, const vrn_token& keyword,
-                  std::vector<vrn_node>& body);
+  bool parse_branch(vrn_src_command_view range, std::uint32_t at, vrn_ast_node_condition& branch);
+  bool parse_body(vrn_src_command_view range, std::uint32_t at, const vrn_src_token& keyword,
+                  vrn_node_list& body);
   vrn_node parse_loop(vrn_src_command_view range);
   bool parse_loop_header(vrn_src_command_view range, vrn_ast_node_loop& loop);
   vrn_node parse_return(vrn_src_command_view range);
 
   // Report, unless an error has been reported before, and set the error flag. Always empty.
-  vrn_node fail(vrn_reporter reporter, const vrn_token& at);
-  vrn_node fail(vrn_operand_reporter reporter, const vrn_token& at, std::string_view operand);
+  vrn_node fail(vrn_reporter reporter, const vrn_src_token& at);
+  vrn_node fail(vrn_operand_reporter reporter, const vrn_src_token& at, std::string_view operand);
   // Reports whatever has been reported before.
-  vrn_node fail_loudly(vrn_reporter reporter, const vrn_token& at);
+  vrn_node fail_loudly(vrn_reporter reporter, const vrn_src_token& at);
 
   const vrn_src_command_map& commands_;
   vrn_ast& ast_;
   bool failed_ = false;  // the error flag
   std::uint32_t depth_ = 0;
   // What waits in the expressions being parsed, those of the inner ones behind the outer ones'.
-  std::vector<vrn_ref<vrn_ast_node_assign>> assigns_;
+  std::vector<vrn_ast_node_assign*> assigns_;
   std::vector<open_split> splits_;
   vrn_operator_index operators_;
   std::unordered_map<std::string_view, define, vrn_hasher, vrn_transparent_equal> defines_;

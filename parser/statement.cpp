@@ -1,7 +1,5 @@
 // Conditions, loops and return.
 #include <cstddef>
-#include <utility>
-#include <vector>
 
 #include "frontend/report.hpp"
 #include "parser/parser_state.hpp"
@@ -11,41 +9,42 @@ namespace {
 
 // Whether the token at a position, if there is one, is a group of a kind.
 bool has_group(vrn_src_command_view range, std::uint32_t at, vrn_token_kind kind) {
-  return at < range.last && range.token(at)->kind == kind;
+  return at < range.last && range.token(at).kind == kind;
 }
 
 }  // namespace
 
 // if ( ) { } [else if ( ) { }]... [else { }]
 vrn_node vrn_parser::parse_condition(vrn_src_command_view range) {
-  if (!range.front()->is_word("if")) return fail(report_invalid_condition, range.front());
-  auto node = ast_.make<vrn_ast_node_condition>(range.front());
+  if (!range.front().is_word("if")) return fail(report_invalid_condition, range.front());
+  auto* const node = ast_.make<vrn_ast_node_condition>(range.front());
+  auto* branch = node;
   for (std::uint32_t at = range.first;;) {
-    if (!parse_branch(range, at, node->branches.emplace_back())) return {};
+    if (!parse_branch(range, at, *branch)) return nullptr;
     at += 3;
     if (at == range.last) return node;
-    const vrn_token& keyword = range.token(at++);
-    if (keyword->is_word("else") && at < range.last && range.token(at)->is_word("if")) continue;
-    if (!keyword->is_word("else") || at + 1 < range.last) {
+    const vrn_src_token& keyword = range.token(at++);
+    const bool is_last = at == range.last || !range.token(at).is_word("if");
+    if (!keyword.is_word("else") || (is_last && at + 1 < range.last)) {
       return fail(report_cannot_parse_conditional_block, range.front());
     }
-    auto otherwise = ast_.make<vrn_ast_node_condition>(keyword);
-    if (!parse_body(range, at, keyword, otherwise->branches.emplace_back().body)) return {};
-    node->otherwise = std::move(otherwise);
-    return node;
+    auto* const otherwise = ast_.make<vrn_ast_node_condition>(is_last ? keyword : range.token(at));
+    branch->otherwise = otherwise;
+    branch = otherwise;
+    if (is_last) return parse_body(range, at, keyword, branch->body) ? node : nullptr;
   }
 }
 
 // One "if" with its header and its body.
 bool vrn_parser::parse_branch(vrn_src_command_view range, std::uint32_t at,
-                              vrn_ast_condition_branch& branch) {
-  const vrn_token& keyword = range.token(at);
+                              vrn_ast_node_condition& branch) {
+  const vrn_src_token& keyword = range.token(at);
   if (!has_group(range, at + 1, vrn_token_kind::group_paren) ||
-      expressions_in(commands_.group(*range.token(at + 1))) != 1) {
+      expressions_in(commands_.group(range.token(at + 1))) != 1) {
     fail(report_invalid_condition, keyword);
     return false;
   }
-  branch.condition = parse_only(commands_.group(*range.token(at + 1)));
+  branch.condition = parse_only(commands_.group(range.token(at + 1)));
   if (!branch.condition) {
     fail(report_cannot_parse_condition, keyword);
     return false;
@@ -54,10 +53,10 @@ bool vrn_parser::parse_branch(vrn_src_command_view range, std::uint32_t at,
 }
 
 // What follows the keyword of a branch or a loop, and its header.
-bool vrn_parser::parse_body(vrn_src_command_view range, std::uint32_t at, const vrn_token& keyword,
-                            std::vector<vrn_node>& body) {
+bool vrn_parser::parse_body(vrn_src_command_view range, std::uint32_t at,
+                            const vrn_src_token& keyword, vrn_node_list& body) {
   if (has_group(range, at, vrn_token_kind::group_brace) &&
-      !parse_list(commands_.group(*range.token(at)), body)) {
+      !parse_list(commands_.group(range.token(at)), body)) {
     return true;
   }
   fail(report_cannot_parse_conditional_block, keyword);
@@ -66,11 +65,10 @@ bool vrn_parser::parse_body(vrn_src_command_view range, std::uint32_t at, const 
 
 // for ( ) { }
 vrn_node vrn_parser::parse_loop(vrn_src_command_view range) {
-  auto node = ast_.make<vrn_ast_node_loop>(range.front());
-  if (!parse_loop_header(range, *node)) return {};
+  auto* const node = ast_.make<vrn_ast_node_loop>(range.front());
+  if (!parse_loop_header(range, *node)) return nullptr;
   if (range.size() > 3) return fail(report_cannot_parse_conditional_block, range.front());
-  if (!parse_body(range, range.first + 2, range.front(), node->body)) return {};
-  return node;
+  return parse_body(range, range.first + 2, range.front(), node->body) ? node : nullptr;
 }
 
 // The parts of a header, by their number: the condition; the start and the condition; all three.
@@ -82,7 +80,7 @@ bool vrn_parser::parse_loop_header(vrn_src_command_view range, vrn_ast_node_loop
   if (!has_group(range, range.first + 1, vrn_token_kind::group_paren)) {
     return failed(report_invalid_for_condition);
   }
-  const vrn_command_span header = commands_.group(*range.token(range.first + 1));
+  const vrn_command_span header = commands_.group(range.token(range.first + 1));
   const std::size_t count = expressions_in(header);
   if (count == 0) return failed(report_loop_needs_condition);
   if (count > 3) return failed(report_invalid_for_condition);
@@ -91,15 +89,15 @@ bool vrn_parser::parse_loop_header(vrn_src_command_view range, vrn_ast_node_loop
   const vrn_reporter reporters[] = {report_cannot_parse_start, report_invalid_for_condition,
                                     report_cannot_parse_end};
   const std::size_t first = count == 1 ? 1 : 0;
-  std::vector<vrn_node> parts;
+  vrn_node_list parts;
   if (parse_list(header, parts)) return failed(reporters[first + parts.size()]);
-  for (std::size_t i = 0; i < count; ++i) *members[first + i] = std::move(parts[i]);
+  for (std::size_t i = 0; i < count; ++i) *members[first + i] = parts[i];
   return true;
 }
 
 // A return needs a value.
 vrn_node vrn_parser::parse_return(vrn_src_command_view range) {
-  auto node = ast_.make<vrn_ast_node_return>(range.front());
+  auto* const node = ast_.make<vrn_ast_node_return>(range.front());
   node->value = parse({range.tokens, range.first + 1, range.last});
   return node->value ? node : fail(report_cannot_parse_return, range.front());
 }
