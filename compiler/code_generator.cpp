@@ -182,6 +182,13 @@ void vrn_code_generator::load(vrn_program_block_routine& block, const location& 
   }
 }
 
+// With room for what so many nodes usually compile to.
+void vrn_code_generator::make_code(vrn_program_block_routine& block) const {
+  constexpr std::size_t bytes_per_node = 16;
+  block.code = std::make_shared<std::vector<std::byte>>();
+  block.code->reserve(node_count_ * bytes_per_node);
+}
+
 std::optional<vrn_code_generator::location> vrn_code_generator::resolve(
     const vrn_program_block_routine& block, std::string_view name) {
   const vrn_program_block_base* const parent = block.parent;
@@ -215,7 +222,7 @@ vrn_program create_bytecode(vrnscript& script, std::shared_ptr<vrn_ast> ast,
   auto program = std::make_shared<vrn_program_block_root>();
   program->ast = std::move(ast);
   instruction_count = 0;
-  vrn_code_generator generator(script, instruction_count);
+  vrn_code_generator generator(script, instruction_count, program->ast->node_count);
   if (!generator.compile_list(*program->main, program->ast->nodes)) return {};
   const auto elapsed = static_cast<std::int64_t>(script.clock().wall_ms() - start);
   log_line(vrn_log_level::log, "Bytecode creation took ", elapsed, " ms (", instruction_count,

@@ -28,8 +28,10 @@ vrn_program create_bytecode(vrnscript& script, std::shared_ptr<vrn_ast> ast,
 
 class vrn_code_generator {
  public:
-  vrn_code_generator(vrnscript& script, std::uint32_t& instruction_count)
-      : script_(script), count_(instruction_count) {}
+  // `node_count`, that of the top level, says how much room its code needs.
+  vrn_code_generator(vrnscript& script, std::uint32_t& instruction_count,
+                     std::uint32_t node_count = 0)
+      : script_(script), count_(instruction_count), node_count_(node_count) {}
 
   // Compile a node, or a list of nodes in order, into a block; false on the first failure. Only
   // routine blocks take code.
@@ -84,12 +86,15 @@ class vrn_code_generator {
   // Appends an instruction and counts it.
   template <class... Operands>
   void emit(vrn_program_block_routine& block, vrn_opcode opcode, Operands... operands) {
+    if (!block.code) make_code(block);
     block.emit(opcode, operands...);
     ++count_;
   }
+  void make_code(vrn_program_block_routine& block) const;
 
   vrnscript& script_;
   std::uint32_t& count_;
+  std::uint32_t node_count_;  // of the routine that is being compiled
   std::vector<waiting> waiting_;
   // Beside each block's string table, so that finding a literal does not search it.
   std::unordered_map<const vrn_program_block_routine*, string_index> string_indexes_;

@@ -73,7 +73,9 @@ bool vrn_code_generator::compile_function_def(vrn_program_block_base& block,
   if (outer.find_name(name)) return report_node(node, report_function_exists, name);
   const std::uint32_t index = outer.add_variable(name);
   const auto routine = make_routine(outer, node);
+  const std::uint32_t outer_count = std::exchange(node_count_, node.node_count);
   if (!compile_list(*routine, node.body)) return false;
+  node_count_ = outer_count;
   string_indexes_.erase(routine.get());
   if (!outer.children) {
     outer.children = std::make_shared<std::vector<std::shared_ptr<vrn_program_block_routine>>>();

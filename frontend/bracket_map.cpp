@@ -31,13 +31,13 @@ constexpr std::array<bracket, 128> brackets = [] {
 }  // namespace
 
 vrn_bracket_map::vrn_bracket_map(std::span<const vrn_src_token> tokens) : tokens_(tokens) {
-  std::array<std::vector<std::size_t>, 3> open;  // positions in pairs_
+  std::array<std::vector<std::uint32_t>, 3> open;  // positions in pairs_
 
-  for (std::size_t i = 0; i < tokens.size(); ++i) {
+  for (std::uint32_t i = 0; i < tokens.size(); ++i) {
     const auto [which, shape] = brackets[static_cast<unsigned char>(punctuation(tokens[i]))];
     if (which == side::none) continue;
     if (which == side::opening) {
-      open[shape].push_back(pairs_.size());
+      open[shape].push_back(static_cast<std::uint32_t>(pairs_.size()));
       pairs_.push_back({i});
       continue;
     }
@@ -45,7 +45,7 @@ vrn_bracket_map::vrn_bracket_map(std::span<const vrn_src_token> tokens) : tokens
       stray_ = i;  // no search gets further
       return;
     }
-    const std::size_t closed = open[shape].back();
+    const std::uint32_t closed = open[shape].back();
     open[shape].pop_back();
     pairs_[closed].closer = i;
     for (std::size_t other = shape; other-- > 0;) {
@@ -56,7 +56,7 @@ vrn_bracket_map::vrn_bracket_map(std::span<const vrn_src_token> tokens) : tokens
   }
 }
 
-std::size_t vrn_bracket_map::find_closer(std::size_t opener, std::size_t end) {
+std::uint32_t vrn_bracket_map::find_closer(std::uint32_t opener, std::uint32_t end) {
   while (next_ < pairs_.size() && pairs_[next_].opener < opener) ++next_;
   const pair found = next_ < pairs_.size() ? pairs_[next_] : pair{opener};
 

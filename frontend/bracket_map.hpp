@@ -13,6 +13,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -27,7 +28,7 @@ inline char punctuation(const vrn_src_token& token) {
 
 class vrn_bracket_map {
  public:
-  static constexpr std::size_t none = SIZE_MAX;
+  static constexpr std::uint32_t none = 0xFFFFFFFF;
 
   explicit vrn_bracket_map(std::span<const vrn_src_token> tokens);
 
@@ -35,19 +36,19 @@ class vrn_bracket_map {
   // `end`; none when the search fails, which has been reported then. Openers are asked about in
   // order, and one outside a group only if all brackets before it, one inside only if all before it
   // in the group turned out well nested.
-  std::size_t find_closer(std::size_t opener, std::size_t end);
+  std::uint32_t find_closer(std::uint32_t opener, std::uint32_t end);
 
  private:
   struct pair {
-    std::size_t opener;
-    std::size_t closer = none;
+    std::uint32_t opener;
+    std::uint32_t closer = none;
     char still_open = '\0';  // what the opener's rule finds open at the closer
   };
 
   std::span<const vrn_src_token> tokens_;
-  std::vector<pair> pairs_;   // by their openers
-  std::size_t next_ = 0;      // the pair of the next opener to be asked about
-  std::size_t stray_ = none;  // the first closer without an opener
+  std::vector<pair> pairs_;     // by their openers
+  std::size_t next_ = 0;        // the pair of the next opener to be asked about
+  std::uint32_t stray_ = none;  // the first closer without an opener
 };
 
 }  // namespace vorn

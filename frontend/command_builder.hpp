@@ -45,25 +45,25 @@ class vrn_command_builder {
   // Those that give false have reported why, and the builder is of no further use.
 
   // Builds all commands up to the position `end`; they become the last of the open ones.
-  bool build_list(std::size_t end, vrn_enclosing enclosing);
-  bool build_command(std::size_t end, vrn_enclosing enclosing, vrn_src_command& command);
-  bool build_ordinary(std::size_t end, vrn_enclosing enclosing, vrn_src_command& command);
-  bool build_define(std::size_t end, vrn_src_command& command);
-  bool build_conditional(std::size_t end, vrn_enclosing enclosing, vrn_src_command& command);
-  bool build_loop(std::size_t end, vrn_enclosing enclosing, vrn_src_command& command);
+  bool build_list(std::uint32_t end, vrn_enclosing enclosing);
+  bool build_command(std::uint32_t end, vrn_enclosing enclosing, vrn_src_command& command);
+  bool build_ordinary(std::uint32_t end, vrn_enclosing enclosing, vrn_src_command& command);
+  bool build_define(std::uint32_t end, vrn_src_command& command);
+  bool build_conditional(std::uint32_t end, vrn_enclosing enclosing, vrn_src_command& command);
+  bool build_loop(std::uint32_t end, vrn_enclosing enclosing, vrn_src_command& command);
 
   // Build a part of a command: a keyword and the "(" group that has to follow it; a body; a
   // bracketed group.
-  bool build_header(std::size_t end);
-  bool build_body(std::size_t end, vrn_enclosing enclosing);
-  bool build_group(std::size_t end);
+  bool build_header(std::uint32_t end);
+  bool build_body(std::uint32_t end, vrn_enclosing enclosing);
+  bool build_group(std::uint32_t end);
 
   // Where the line of a define whose body begins at `at` ends, or that of the last line that a
   // backslash continues.
-  std::size_t end_of_line(std::size_t at, std::size_t end) const;
+  std::uint32_t end_of_line(std::uint32_t at, std::uint32_t end) const;
 
   // Adds a token that stands for a new group, which is empty so far; gives the group's position.
-  std::size_t add_group(vrn_enclosing shape, vrn_src_token first);
+  std::uint32_t add_group(vrn_enclosing shape, vrn_src_token first);
   void take_token() { open_tokens_.push_back(tokens_[at_++]); }
   // Whether the token here is part of no command.
   bool at_line_end() const {
@@ -79,19 +79,19 @@ class vrn_command_builder {
   // Makes the open tokens from `first` on those of the command.
   void finish(vrn_src_command& command, std::size_t first);
   // Makes the open commands from `first` on those of the group.
-  void finish_group(std::size_t group, std::size_t first);
+  void finish_group(std::uint32_t group, std::size_t first);
 
-  void skip_line_ends(std::size_t end);
+  void skip_line_ends(std::uint32_t end);
   // Skip line ends first.
-  bool at_word(std::size_t end, std::string_view word);
-  bool at_symbol(std::size_t end, char symbol);
+  bool at_word(std::uint32_t end, std::string_view word);
+  bool at_symbol(std::uint32_t end, char symbol);
 
   vrn_src_command_map& map_;
   std::vector<vrn_src_token>& tokens_;
   vrn_bracket_map brackets_;
   std::uint32_t depth_ = 0;  // of the brackets and bodies being built
   bool in_define_ = false;
-  std::size_t at_ = 0;
+  std::uint32_t at_ = 0;
   std::uint32_t finished_ = 0;  // how many tokens, from the first on, are those of commands
   // The tokens of the commands and the commands of the lists being built, those of the inner ones
   // behind the outer ones'.

@@ -26,13 +26,14 @@ std::uint32_t size_of(const auto& list) { return static_cast<std::uint32_t>(list
 }  // namespace
 
 bool vrn_command_builder::build() {
-  if (!build_list(tokens_.size(), vrn_enclosing::brace)) return false;
+  open_commands_.reserve(map_.source->lines.size());
+  if (!build_list(size_of(tokens_), vrn_enclosing::brace)) return false;
   tokens_.resize(finished_);
   map_.top = std::move(open_commands_);
   return true;
 }
 
-bool vrn_command_builder::build_list(std::size_t end, vrn_enclosing enclosing) {
+bool vrn_command_builder::build_list(std::uint32_t end, vrn_enclosing enclosing) {
   for (skip_line_ends(end); at_ < end; skip_line_ends(end)) {
     const vrn_src_token& first = tokens_[at_];
     if (is_closer(punctuation(first))) {
@@ -46,7 +47,7 @@ bool vrn_command_builder::build_list(std::size_t end, vrn_enclosing enclosing) {
   return true;
 }
 
-bool vrn_command_builder::build_command(std::size_t end, vrn_enclosing enclosing,
+bool vrn_command_builder::build_command(std::uint32_t end, vrn_enclosing enclosing,
                                         vrn_src_command& command) {
   const vrn_src_token& first = tokens_[at_];
   if (first.is_symbol("#")) return build_define(end, command);
@@ -61,7 +62,7 @@ bool vrn_command_builder::build_command(std::size_t end, vrn_enclosing enclosing
   return build_ordinary(end, enclosing, command);
 }
 
-bool vrn_command_builder::build_ordinary(std::size_t end, vrn_enclosing enclosing,
+bool vrn_command_builder::build_ordinary(std::uint32_t end, vrn_enclosing enclosing,
                                          vrn_src_command& command) {
   const std::size_t first = open_tokens_.size();
   for (bool complete = false; !complete && at_ < end;) {
@@ -81,9 +82,9 @@ bool vrn_command_builder::build_ordinary(std::size_t end, vrn_enclosing enclosin
   return true;
 }
 
-bool vrn_command_builder::build_group(std::size_t end) {
+bool vrn_command_builder::build_group(std::uint32_t end) {
   const vrn_src_token& opener = tokens_[at_];
-  const std::size_t closer = brackets_.find_closer(at_, end);
+  const std::uint32_t closer = brackets_.find_closer(at_, end);
   if (closer == vrn_bracket_map::none) return false;
   const nesting_level level(depth_);
   if (level.too_deep()) {
@@ -92,7 +93,7 @@ bool vrn_command_builder::build_group(std::size_t end) {
   }
 
   const vrn_enclosing shape = shape_of(punctuation(opener));
-  const std::size_t group = add_group(shape, opener);
+  const std::uint32_t group = add_group(shape, opener);
   const std::size_t outer = open_commands_.size();
   ++at_;
   if (!build_list(closer, shape)) return false;
@@ -101,11 +102,11 @@ bool vrn_command_builder::build_group(std::size_t end) {
   return true;
 }
 
-std::size_t vrn_command_builder::add_group(vrn_enclosing shape, vrn_src_token first) {
-  const std::size_t group = map_.groups.size();
+std::uint32_t vrn_command_builder::add_group(vrn_enclosing shape, vrn_src_token first) {
+  const std::uint32_t group = size_of(map_.groups);
   map_.groups.emplace_back();
   first.kind = group_kind(shape);
-  first.extent = static_cast<std::uint32_t>(group);
+  first.extent = group;
   first.space_before = false;
   first.symbol = 0;
   open_tokens_.push_back(first);
@@ -121,7 +122,7 @@ void vrn_command_builder::finish(vrn_src_command& command, std::size_t first) {
   command.last = finished_;
 }
 
-void vrn_command_builder::finish_group(std::size_t group, std::size_t first) {
+void vrn_command_builder::finish_group(std::uint32_t group, std::size_t first) {
   const auto begin = open_commands_.begin() + static_cast<std::ptrdiff_t>(first);
   map_.groups[group].first = size_of(map_.commands);
   map_.commands.insert(map_.commands.end(), begin, open_commands_.end());
@@ -129,16 +130,16 @@ void vrn_command_builder::finish_group(std::size_t group, std::size_t first) {
   open_commands_.erase(begin, open_commands_.end());
 }
 
-void vrn_command_builder::skip_line_ends(std::size_t end) {
+void vrn_command_builder::skip_line_ends(std::uint32_t end) {
   while (at_ < end && at_line_end()) ++at_;
 }
 
-bool vrn_command_builder::at_word(std::size_t end, std::string_view word) {
+bool vrn_command_builder::at_word(std::uint32_t end, std::string_view word) {
   skip_line_ends(end);
   return at_ < end && tokens_[at_].is_word(word);
 }
 
-bool vrn_command_builder::at_symbol(std::size_t end, char symbol) {
+bool vrn_command_builder::at_symbol(std::uint32_t end, char symbol) {
   skip_line_ends(end);
   return at_ < end && punctuation(tokens_[at_]) == symbol;
 }

@@ -9,7 +9,7 @@ namespace vorn {
 
 // The chain of "else if" is a loop, so it may be of any length. An "else" goes to the innermost
 // "if" that is still open, because bodies are built before what follows them is looked at.
-bool vrn_command_builder::build_conditional(std::size_t end, vrn_enclosing enclosing,
+bool vrn_command_builder::build_conditional(std::uint32_t end, vrn_enclosing enclosing,
                                             vrn_src_command& command) {
   command.kind = vrn_command_kind::conditional;
   const std::size_t first = open_tokens_.size();
@@ -25,7 +25,7 @@ bool vrn_command_builder::build_conditional(std::size_t end, vrn_enclosing enclo
   return true;
 }
 
-bool vrn_command_builder::build_loop(std::size_t end, vrn_enclosing enclosing,
+bool vrn_command_builder::build_loop(std::uint32_t end, vrn_enclosing enclosing,
                                      vrn_src_command& command) {
   command.kind = vrn_command_kind::loop;
   const std::size_t first = open_tokens_.size();
@@ -34,7 +34,7 @@ bool vrn_command_builder::build_loop(std::size_t end, vrn_enclosing enclosing,
   return true;
 }
 
-bool vrn_command_builder::build_header(std::size_t end) {
+bool vrn_command_builder::build_header(std::uint32_t end) {
   const vrn_src_token& keyword = tokens_[at_];
   take_token();
   if (!at_symbol(end, '(')) {
@@ -46,7 +46,7 @@ bool vrn_command_builder::build_header(std::size_t end) {
 
 // A body of one statement becomes a group of one command, as deep as the header's, which has been
 // found not too deep. A missing body adds nothing; the parser reports it.
-bool vrn_command_builder::build_body(std::size_t end, vrn_enclosing enclosing) {
+bool vrn_command_builder::build_body(std::uint32_t end, vrn_enclosing enclosing) {
   if (at_symbol(end, '{')) return build_group(end);
   if (at_ == end) return true;
   const nesting_level level(depth_);

@@ -27,8 +27,8 @@ std::string define_line(std::span<const vrn_src_token> texts) {
 
 // The brackets of a body have to be closed on its line, so groups are built up to the line's end.
 // It keeps every ";" and "," of the line, unlike an ordinary command.
-bool vrn_command_builder::build_define(std::size_t end, vrn_src_command& command) {
-  const std::size_t sign = at_;
+bool vrn_command_builder::build_define(std::uint32_t end, vrn_src_command& command) {
+  const std::uint32_t sign = at_;
   if (end - at_ < 3 || !tokens_[at_ + 1].is_word("define") ||
       tokens_[at_ + 2].kind != vrn_token_kind::word) {
     report_invalid_directive(tokens_[sign]);
@@ -38,7 +38,7 @@ bool vrn_command_builder::build_define(std::size_t end, vrn_src_command& command
   const std::size_t first = open_tokens_.size();
   const std::uint32_t first_inner = finished_;
   at_ += 2;
-  const std::size_t line_end = end_of_line(at_ + 1, end);
+  const std::uint32_t line_end = end_of_line(at_ + 1, end);
   const std::string line = define_line(std::span(tokens_).subspan(at_, line_end - at_));
   take_token();
   const bool is_outermost = !std::exchange(in_define_, true);
@@ -63,7 +63,7 @@ bool vrn_command_builder::build_define(std::size_t end, vrn_src_command& command
 }
 
 // A define among the groups of another's body ends with that one's line, which is where they end.
-std::size_t vrn_command_builder::end_of_line(std::size_t at, std::size_t end) const {
+std::uint32_t vrn_command_builder::end_of_line(std::uint32_t at, std::uint32_t end) const {
   if (in_define_) return end;
   while (at < end &&
          (tokens_[at].kind != vrn_token_kind::end_of_line || is_continuation(tokens_, at - 1))) {

@@ -79,13 +79,16 @@ bool is_word_part(std::uint32_t value) {
   return kind == character::letter || kind == character::digit;
 }
 
+// A text seldom has more than two tokens in three bytes. Beyond this, growing costs little.
+constexpr std::size_t reserved_tokens_max = std::size_t{1} << 24;
+
 class lexer {
  public:
   explicit lexer(vrn_src_token_view& view)
       : view_(view), begin_(view.text.data()), at_(begin_), end_(begin_ + view.text.size()) {}
 
   vrn_scan run() {
-    view_.tokens.reserve(view_.text.size() / 2);
+    view_.tokens.reserve(std::min(view_.text.size() / 3 * 2, reserved_tokens_max));
     view_.lines.push_back(0);
     while (at_ < end_) {
       if (!read_token()) return {};
@@ -244,7 +247,8 @@ class lexer {
           if (last_quotes == 0) continue;
           advance(last_quotes, 2);
         }
-        add_token(vrn_token_kind::string, start, text, next_at).triple_quoted = is_triple;
+        vrn_src_token& string = add_token(vrn_token_kind::string, start, text, next_at);
+        string.symbol = static_cast<std::uint16_t>(text - start.at);
         space_before_ = false;
         return true;
       }

@@ -32,9 +32,8 @@ struct vrn_src_token {
   std::uint32_t extent;  // the text's length in bytes; of a group token, its number
   std::uint32_t column;  // of the first character, from 0, in code points
   vrn_token_kind kind;
-  bool space_before : 1 = false;   // never set on numbers, strings and groups
-  bool triple_quoted : 1 = false;  // a string whose quotes are three characters each
-  std::uint16_t symbol = 0;        // its code; 0 when the token is no symbol
+  bool space_before = false;  // never set on numbers, strings and groups
+  std::uint16_t symbol = 0;   // a symbol's code; of a string, how long its quotes are; else 0
 
   bool is_group() const {
     return kind >= vrn_token_kind::group_paren && kind <= vrn_token_kind::group_brace;
@@ -45,8 +44,7 @@ struct vrn_src_token {
   std::uint32_t line() const;
   // The byte offset of the first character, a string's opening quote.
   std::uint32_t index() const {
-    if (kind != vrn_token_kind::string) return begin;
-    return begin - (triple_quoted ? 3 : 1);
+    return kind == vrn_token_kind::string ? begin - symbol : begin;
   }
 
   bool is_symbol(std::string_view spelling) const { return symbol == symbol_code(spelling); }

@@ -83,6 +83,7 @@ struct vrn_ast_node_function_def : vrn_ast_node_of<vrn_node_kind::function_def_n
   using vrn_ast_node_of::vrn_ast_node_of;
 
   std::uint32_t keyword_count = 0;  // of the words before the name
+  std::uint32_t node_count = 0;     // in the body
   std::span<const vrn_ast_node_function_def_param*> params;
   vrn_node_list body;
 };
@@ -180,6 +181,7 @@ class vrn_ast {
   // A node of a given class that starts at a token, with all else empty.
   template <class Node>
   Node* make(const vrn_src_token& at) {
+    ++node_count;
     return store_.make<Node>(&at);
   }
   // A list of so many empty elements.
@@ -188,7 +190,8 @@ class vrn_ast {
     return store_.make_list<T>(size);
   }
 
-  vrn_node_list nodes;  // the top level, in source order
+  vrn_node_list nodes;           // the top level, in source order
+  std::uint32_t node_count = 0;  // of the top level, without the bodies of functions
   std::shared_ptr<vrn_src_token_view> source;
   std::string source_name;
 

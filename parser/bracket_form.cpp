@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <initializer_list>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <vornscript/log.hpp>
@@ -124,9 +125,11 @@ vrn_node vrn_parser::parse_function_def(vrn_src_command_view range) {
     if (!node->params[i]) return nullptr;
   }
   const vrn_command_span body = commands_.group(range.back());
+  const std::uint32_t outer_count = std::exchange(ast_.node_count, 0);
   if (const vrn_src_command* const failed = parse_list(body, node->body)) {
     return fail(report_cannot_parse_function_body, commands_.view(*failed).front());
   }
+  node->node_count = std::exchange(ast_.node_count, outer_count);
   return node;
 }
 
