@@ -12,6 +12,7 @@
 #include "frontend/operator_set.hpp"
 #include "frontend/report.hpp"
 #include "frontend/source_file.hpp"
+#include "platform/platform.hpp"
 
 namespace vorn {
 namespace {
@@ -88,7 +89,9 @@ class lexer {
       : view_(view), begin_(view.text.data()), at_(begin_), end_(begin_ + view.text.size()) {}
 
   vrn_scan run() {
-    view_.tokens.reserve(std::min(view_.text.size() / 3 * 2, reserved_tokens_max));
+    view_.tokens.reserve(std::min(view_.text.size(), reserved_tokens_max));
+    platform::prefer_large_pages(view_.tokens.data(),
+                                 view_.tokens.capacity() * sizeof(vrn_src_token));
     view_.lines.push_back(0);
     while (at_ < end_) {
       if (!read_token()) return {};

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/platform.hpp"
+
 namespace vorn {
 namespace {
 
@@ -18,6 +20,7 @@ void vrn_block_store::open_slab(std::size_t size) {
   }
   slabs_.push_back(std::make_unique_for_overwrite<std::byte[]>(size));
   next_ = slabs_.back().get();
+  platform::prefer_large_pages(next_, size);
   end_ = next_ + size;
 }
 

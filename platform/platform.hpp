@@ -5,6 +5,7 @@
 // nobody else asks which one it is. Callable from any thread unless said otherwise.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -33,6 +34,9 @@ double read_float(const char* text) noexcept;
 
 // The path of the running executable; empty when it cannot be had.
 std::string executable_path();
+
+// Asks for memory that is going to be filled to come in large pages, as many as lie in it whole.
+void prefer_large_pages(void* memory, std::size_t size) noexcept;
 
 // The console: standard output, by the C library's stream, so that lines keep their order among
 // what others print. Nothing written to it is flushed before flush_console(), the end of the

@@ -5,6 +5,7 @@
 #include <poll.h>
 #include <pthread.h>
 #include <stdio_ext.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -154,6 +155,14 @@ double read_float(const char* text) noexcept {
 std::string executable_path() {
   std::error_code failure;
   return std::filesystem::read_symlink("/proc/self/exe", failure).string();
+}
+
+void prefer_large_pages(void* memory, std::size_t size) noexcept {
+  constexpr std::uintptr_t page_size = std::uintptr_t{2} << 20;
+  const auto address = reinterpret_cast<std::uintptr_t>(memory);
+  const std::uintptr_t begin = (address + page_size - 1) / page_size * page_size;
+  const std::uintptr_t end = (address + size) / page_size * page_size;
+  if (begin < end) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
 }
 
 void buffer_console() noexcept {
