@@ -67,6 +67,10 @@ bool vrn_command_builder::build_ordinary(std::uint32_t end, vrn_enclosing enclos
   const std::size_t first = open_tokens_.size();
   for (bool complete = false; !complete && at_ < end;) {
     const char symbol = punctuation(tokens_[at_]);
+    if (symbol == '\0') {
+      take_or_skip();
+      continue;
+    }
     if (is_closer(symbol)) break;
     if (symbol == ';' || (symbol == ',' && enclosing == vrn_enclosing::paren)) {
       ++at_;

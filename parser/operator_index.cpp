@@ -1,8 +1,11 @@
 #include "parser/operator_index.hpp"
 
 namespace vorn {
+namespace {
 
+// 1 binds loosest; 0: not an operator.
 std::uint32_t operator_precedence(const vrn_src_token& token) {
+  if (token.kind != vrn_token_kind::symbol) return 0;
   switch (token.symbol) {
     case symbol_code("||"):
       return 1;
@@ -33,6 +36,8 @@ std::uint32_t operator_precedence(const vrn_src_token& token) {
       return 0;
   }
 }
+
+}  // namespace
 
 std::uint32_t vrn_operator_index::add(vrn_src_command_view range) {
   std::uint32_t root = none;

@@ -15,9 +15,6 @@
 
 namespace vorn {
 
-// 1 binds loosest; 0: not an operator.
-std::uint32_t operator_precedence(const vrn_src_token& token);
-
 class vrn_operator_index {
  public:
   static constexpr std::uint32_t none = 0xFFFFFFFF;
