@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <vector>
 
 #include "frontend/report.hpp"
 
@@ -12,10 +13,8 @@ enum class side : std::uint8_t { none, opening, closing };
 
 struct bracket {
   side which = side::none;
-  std::uint8_t shape = 0;  // the position of its counter in the order in which they are looked at
+  std::uint8_t shape = 0;  // in the order of the group token kinds, in which counters are looked at
 };
-
-constexpr std::array<char, 3> openers = {'(', '[', '{'};
 
 constexpr std::array<bracket, 128> brackets = [] {
   std::array<bracket, 128> table{};
@@ -28,49 +27,55 @@ constexpr std::array<bracket, 128> brackets = [] {
   return table;
 }();
 
+vrn_token_kind group_kind(std::uint32_t shape) {
+  return static_cast<vrn_token_kind>(static_cast<std::uint32_t>(vrn_token_kind::group_paren) +
+                                     shape);
+}
+
 }  // namespace
 
-vrn_bracket_map::vrn_bracket_map(std::span<const vrn_src_token> tokens) : tokens_(tokens) {
-  std::array<std::vector<std::uint32_t>, 3> open;  // positions in pairs_
+vrn_bracket_map::vrn_bracket_map(std::span<vrn_src_token> tokens) : tokens_(tokens) {
+  std::array<std::vector<std::uint32_t>, 3> open;
 
   for (std::uint32_t i = 0; i < tokens.size(); ++i) {
     const auto [which, shape] = brackets[static_cast<unsigned char>(punctuation(tokens[i]))];
     if (which == side::none) continue;
     if (which == side::opening) {
-      open[shape].push_back(static_cast<std::uint32_t>(pairs_.size()));
-      pairs_.push_back({i});
+      open[shape].push_back(i);
+      tokens[i].kind = group_kind(shape);
+      tokens[i].extent = none;
+      tokens[i].space_before = false;
+      tokens[i].symbol = 0;
       continue;
     }
     if (open[shape].empty()) {
       stray_ = i;  // no search gets further
       return;
     }
-    const std::uint32_t closed = open[shape].back();
+    const std::uint32_t opener = open[shape].back();
     open[shape].pop_back();
-    pairs_[closed].closer = i;
-    for (std::size_t other = shape; other-- > 0;) {
-      if (!open[other].empty() && open[other].back() > closed) {
-        pairs_[closed].still_open = openers[other];
+    tokens[opener].extent = i;
+    for (std::uint32_t other = shape; other-- > 0;) {
+      if (!open[other].empty() && open[other].back() > opener) {
+        tokens[opener].symbol = symbol_code(other == 0 ? "(" : "[");
       }
     }
   }
 }
 
-std::uint32_t vrn_bracket_map::find_closer(std::uint32_t opener, std::uint32_t end) {
-  while (next_ < pairs_.size() && pairs_[next_].opener < opener) ++next_;
-  const pair found = next_ < pairs_.size() ? pairs_[next_] : pair{opener};
-
-  if (found.closer < end) {
-    if (found.still_open == '\0') return found.closer;
-    if (found.still_open == '(') {
-      report_missing_closing_parenthesis(tokens_[opener]);
+std::uint32_t vrn_bracket_map::find_closer(std::uint32_t at, std::uint32_t end) const {
+  const vrn_src_token& opener = tokens_[at];
+  if (opener.extent < end) {
+    if (opener.symbol == 0) return opener.extent;
+    if (opener.is_symbol("(")) {
+      report_missing_closing_parenthesis(opener);
     } else {
-      report_missing_closing_bracket(tokens_[opener]);
+      report_missing_closing_bracket(opener);
     }
   } else if (stray_ < end) {
     report_invalid_closer(tokens_[stray_], tokens_[stray_].text());
   } else {
-    report_no_closer(tokens_[opener]);
+    report_no_closer(opener);
   }
   return none;
 }

@@ -9,13 +9,13 @@
 //   - at the end of the tokens there is no closer.
 // One pass with a stack for each counter tells the outcome for every opener: its own stack pairs it
 // with its closer, the other two tell what is open there, and the only closer at which a counter
-// can fall below zero is the first one of all that has no opener.
+// can fall below zero is the first one of all that has no opener. The outcome is noted in the
+// opener itself, which becomes the token of its group: until the group has a number, `extent` is
+// the position of its closer, and `symbol` what its rule finds open there.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <span>
-#include <vector>
 
 #include "frontend/token.hpp"
 
@@ -30,24 +30,16 @@ class vrn_bracket_map {
  public:
   static constexpr std::uint32_t none = 0xFFFFFFFF;
 
-  explicit vrn_bracket_map(std::span<const vrn_src_token> tokens);
+  explicit vrn_bracket_map(std::span<vrn_src_token> tokens);
 
-  // The position of the closer of the bracket at `opener`, when the tokens are searched up to
-  // `end`; none when the search fails, which has been reported then. Openers are asked about in
-  // order, and one outside a group only if all brackets before it, one inside only if all before it
-  // in the group turned out well nested.
-  std::uint32_t find_closer(std::uint32_t opener, std::uint32_t end);
+  // The position of the closer of the bracket at a position, when the tokens are searched up to
+  // `end`; none when the search fails, which has been reported then. An opener outside a group is
+  // asked about only if all brackets before it, one inside only if all before it in the group
+  // turned out well nested.
+  std::uint32_t find_closer(std::uint32_t at, std::uint32_t end) const;
 
  private:
-  struct pair {
-    std::uint32_t opener;
-    std::uint32_t closer = none;
-    char still_open = '\0';  // what the opener's rule finds open at the closer
-  };
-
-  std::span<const vrn_src_token> tokens_;
-  std::vector<pair> pairs_;     // by their openers
-  std::size_t next_ = 0;        // the pair of the next opener to be asked about
+  std::span<vrn_src_token> tokens_;
   std::uint32_t stray_ = none;  // the first closer without an opener
 };
 

@@ -12,15 +12,10 @@
 
 namespace vorn {
 
-// What the commands being built stand in; the values are in order of the group token kinds. The top
-// level counts as a brace.
-enum class vrn_enclosing : std::uint32_t { paren = 0, bracket = 1, brace = 2 };
-
 inline bool is_line_end(const vrn_src_token& token) {
   return token.kind == vrn_token_kind::end_of_line || token.kind == vrn_token_kind::reserved_4;
 }
 
-inline bool is_opener(char symbol) { return symbol == '(' || symbol == '[' || symbol == '{'; }
 inline bool is_closer(char symbol) { return symbol == ')' || symbol == ']' || symbol == '}'; }
 
 // Whether the token is a backslash that continues a define on the next line.
@@ -45,25 +40,26 @@ class vrn_command_builder {
   // Those that give false have reported why, and the builder is of no further use.
 
   // Builds all commands up to the position `end`; they become the last of the open ones.
-  bool build_list(std::uint32_t end, vrn_enclosing enclosing);
-  bool build_command(std::uint32_t end, vrn_enclosing enclosing, vrn_src_command& command);
-  bool build_ordinary(std::uint32_t end, vrn_enclosing enclosing, vrn_src_command& command);
+  // `enclosing` is what they stand in, of the group token kinds; the top level counts as a brace.
+  bool build_list(std::uint32_t end, vrn_token_kind enclosing);
+  bool build_command(std::uint32_t end, vrn_token_kind enclosing, vrn_src_command& command);
+  bool build_ordinary(std::uint32_t end, vrn_token_kind enclosing, vrn_src_command& command);
   bool build_define(std::uint32_t end, vrn_src_command& command);
-  bool build_conditional(std::uint32_t end, vrn_enclosing enclosing, vrn_src_command& command);
-  bool build_loop(std::uint32_t end, vrn_enclosing enclosing, vrn_src_command& command);
+  bool build_conditional(std::uint32_t end, vrn_token_kind enclosing, vrn_src_command& command);
+  bool build_loop(std::uint32_t end, vrn_token_kind enclosing, vrn_src_command& command);
 
   // Build a part of a command: a keyword and the "(" group that has to follow it; a body; a
   // bracketed group.
   bool build_header(std::uint32_t end);
-  bool build_body(std::uint32_t end, vrn_enclosing enclosing);
+  bool build_body(std::uint32_t end, vrn_token_kind enclosing);
   bool build_group(std::uint32_t end);
 
   // Where the line of a define whose body begins at `at` ends, or that of the last line that a
   // backslash continues.
   std::uint32_t end_of_line(std::uint32_t at, std::uint32_t end) const;
 
-  // Adds a token that stands for a new group, which is empty so far; gives the group's position.
-  std::uint32_t add_group(vrn_enclosing shape, vrn_src_token first);
+  // Adds a group, which is empty so far, and makes the token its own; gives the group's number.
+  std::uint32_t add_group(vrn_src_token token);
   void take_token() { open_tokens_.push_back(tokens_[at_++]); }
   // Whether the token here is part of no command.
   bool at_line_end() const {
@@ -84,7 +80,7 @@ class vrn_command_builder {
   void skip_line_ends(std::uint32_t end);
   // Skip line ends first.
   bool at_word(std::uint32_t end, std::string_view word);
-  bool at_symbol(std::uint32_t end, char symbol);
+  bool at_group(std::uint32_t end, vrn_token_kind shape);
 
   vrn_src_command_map& map_;
   std::vector<vrn_src_token>& tokens_;

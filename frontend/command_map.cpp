@@ -10,30 +10,19 @@
 namespace vorn {
 namespace {
 
-vrn_enclosing shape_of(char opener) {
-  return opener == '('   ? vrn_enclosing::paren
-         : opener == '[' ? vrn_enclosing::bracket
-                         : vrn_enclosing::brace;
-}
-
-vrn_token_kind group_kind(vrn_enclosing shape) {
-  return static_cast<vrn_token_kind>(static_cast<std::uint32_t>(vrn_token_kind::group_paren) +
-                                     static_cast<std::uint32_t>(shape));
-}
-
 std::uint32_t size_of(const auto& list) { return static_cast<std::uint32_t>(list.size()); }
 
 }  // namespace
 
 bool vrn_command_builder::build() {
   open_commands_.reserve(map_.source->lines.size());
-  if (!build_list(size_of(tokens_), vrn_enclosing::brace)) return false;
+  if (!build_list(size_of(tokens_), vrn_token_kind::group_brace)) return false;
   tokens_.resize(finished_);
   map_.top = std::move(open_commands_);
   return true;
 }
 
-bool vrn_command_builder::build_list(std::uint32_t end, vrn_enclosing enclosing) {
+bool vrn_command_builder::build_list(std::uint32_t end, vrn_token_kind enclosing) {
   for (skip_line_ends(end); at_ < end; skip_line_ends(end)) {
     const vrn_src_token& first = tokens_[at_];
     if (is_closer(punctuation(first))) {
@@ -47,7 +36,7 @@ bool vrn_command_builder::build_list(std::uint32_t end, vrn_enclosing enclosing)
   return true;
 }
 
-bool vrn_command_builder::build_command(std::uint32_t end, vrn_enclosing enclosing,
+bool vrn_command_builder::build_command(std::uint32_t end, vrn_token_kind enclosing,
                                         vrn_src_command& command) {
   const vrn_src_token& first = tokens_[at_];
   if (first.is_symbol("#")) return build_define(end, command);
@@ -62,22 +51,21 @@ bool vrn_command_builder::build_command(std::uint32_t end, vrn_enclosing enclosi
   return build_ordinary(end, enclosing, command);
 }
 
-bool vrn_command_builder::build_ordinary(std::uint32_t end, vrn_enclosing enclosing,
+bool vrn_command_builder::build_ordinary(std::uint32_t end, vrn_token_kind enclosing,
                                          vrn_src_command& command) {
   const std::size_t first = open_tokens_.size();
   for (bool complete = false; !complete && at_ < end;) {
-    const char symbol = punctuation(tokens_[at_]);
-    if (symbol == '\0') {
-      take_or_skip();
+    const vrn_src_token& token = tokens_[at_];
+    if (token.is_group()) {
+      complete = token.kind == vrn_token_kind::group_brace && enclosing == token.kind;
+      if (!build_group(end)) return false;
       continue;
     }
+    const char symbol = punctuation(token);
     if (is_closer(symbol)) break;
-    if (symbol == ';' || (symbol == ',' && enclosing == vrn_enclosing::paren)) {
+    if (symbol == ';' || (symbol == ',' && enclosing == vrn_token_kind::group_paren)) {
       ++at_;
       complete = true;
-    } else if (is_opener(symbol)) {
-      if (!build_group(end)) return false;
-      complete = symbol == '{' && enclosing == vrn_enclosing::brace;
     } else {
       take_or_skip();
     }
@@ -96,25 +84,20 @@ bool vrn_command_builder::build_group(std::uint32_t end) {
     return false;
   }
 
-  const vrn_enclosing shape = shape_of(punctuation(opener));
-  const std::uint32_t group = add_group(shape, opener);
+  const std::uint32_t group = add_group(opener);
   const std::size_t outer = open_commands_.size();
   ++at_;
-  if (!build_list(closer, shape)) return false;
+  if (!build_list(closer, opener.kind)) return false;
   finish_group(group, outer);
   at_ = closer + 1;
   return true;
 }
 
-std::uint32_t vrn_command_builder::add_group(vrn_enclosing shape, vrn_src_token first) {
-  const std::uint32_t group = size_of(map_.groups);
+std::uint32_t vrn_command_builder::add_group(vrn_src_token token) {
+  token.extent = size_of(map_.groups);
   map_.groups.emplace_back();
-  first.kind = group_kind(shape);
-  first.extent = group;
-  first.space_before = false;
-  first.symbol = 0;
-  open_tokens_.push_back(first);
-  return group;
+  open_tokens_.push_back(token);
+  return token.extent;
 }
 
 void vrn_command_builder::finish(vrn_src_command& command, std::size_t first) {
@@ -143,9 +126,9 @@ bool vrn_command_builder::at_word(std::uint32_t end, std::string_view word) {
   return at_ < end && tokens_[at_].is_word(word);
 }
 
-bool vrn_command_builder::at_symbol(std::uint32_t end, char symbol) {
+bool vrn_command_builder::at_group(std::uint32_t end, vrn_token_kind shape) {
   skip_line_ends(end);
-  return at_ < end && punctuation(tokens_[at_]) == symbol;
+  return at_ < end && tokens_[at_].kind == shape;
 }
 
 std::shared_ptr<vrn_src_command_map> create_command_map(std::shared_ptr<vrn_src_token_view> view) {

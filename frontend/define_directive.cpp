@@ -45,7 +45,7 @@ bool vrn_command_builder::build_define(std::uint32_t end, vrn_src_command& comma
   while (at_ < line_end) {
     const vrn_src_token& token = tokens_[at_];
     const char symbol = punctuation(token);
-    if (is_opener(symbol)) {
+    if (token.is_group()) {
       if (!build_group(line_end)) return false;
     } else if (is_closer(symbol)) {
       report_cannot_parse_token(token, token.text());

@@ -29,7 +29,7 @@ struct vrn_src_token_view;
 struct vrn_src_token {
   const vrn_src_token_view* source;
   std::uint32_t begin;   // of the text, a byte offset in the source's
-  std::uint32_t extent;  // the text's length in bytes; of a group token, its number
+  std::uint32_t extent;  // the text's length in bytes; of a group token, the group's number
   std::uint32_t column;  // of the first character, from 0, in code points
   vrn_token_kind kind;
   bool space_before = false;  // never set on numbers, strings and groups
@@ -43,9 +43,7 @@ struct vrn_src_token {
   // From 1; a string's is the line of its closing quote.
   std::uint32_t line() const;
   // The byte offset of the first character, a string's opening quote.
-  std::uint32_t index() const {
-    return kind == vrn_token_kind::string ? begin - symbol : begin;
-  }
+  std::uint32_t index() const { return kind == vrn_token_kind::string ? begin - symbol : begin; }
 
   bool is_symbol(std::string_view spelling) const { return symbol == symbol_code(spelling); }
   bool is_word(std::string_view spelling) const {
