@@ -188,7 +188,7 @@ void vrn_code_generator::make_code(vrn_program_block_routine& block) const {
   constexpr std::size_t bytes_per_node = 16;
   block.code = std::make_shared<std::vector<std::byte>>();
   block.code->reserve(node_count_ * bytes_per_node);
-  platform::prefer_large_pages(block.code->data(), block.code->capacity());
+  platform::prefer_large_pages(block.code->data(), block.code->capacity() / 4 * 3);
 }
 
 std::optional<vrn_code_generator::location> vrn_code_generator::resolve(

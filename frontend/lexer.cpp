@@ -80,7 +80,8 @@ bool is_word_part(std::uint32_t value) {
   return kind == character::letter || kind == character::digit;
 }
 
-// A text seldom has more than two tokens in three bytes. Beyond this, growing costs little.
+// There is room for a token a byte, so the list does not move; what is not used costs addresses, no
+// memory. Beyond this many it grows.
 constexpr std::size_t reserved_tokens_max = std::size_t{1} << 24;
 
 class lexer {
@@ -91,7 +92,7 @@ class lexer {
   vrn_scan run() {
     view_.tokens.reserve(std::min(view_.text.size(), reserved_tokens_max));
     platform::prefer_large_pages(view_.tokens.data(),
-                                 view_.tokens.capacity() * sizeof(vrn_src_token));
+                                 view_.tokens.capacity() / 4 * sizeof(vrn_src_token));
     view_.lines.push_back(0);
     while (at_ < end_) {
       if (!read_token()) return {};

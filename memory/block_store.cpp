@@ -20,7 +20,7 @@ void vrn_block_store::open_slab(std::size_t size) {
   }
   slabs_.push_back(std::make_unique_for_overwrite<std::byte[]>(size));
   next_ = slabs_.back().get();
-  platform::prefer_large_pages(next_, size);
+  platform::prefer_large_pages(next_, size / 3 * 2);
   end_ = next_ + size;
 }
 
