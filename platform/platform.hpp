@@ -35,7 +35,8 @@ double read_float(const char* text) noexcept;
 // The path of the running executable; empty when it cannot be had.
 std::string executable_path();
 
-// Asks for memory that is going to be filled to come in large pages, as many as lie in it whole.
+// Asks for memory that is going to be filled to come in large pages, as many as lie in it whole. A
+// page costs all of its size once it is touched, so callers leave out what may well stay empty.
 void prefer_large_pages(void* memory, std::size_t size) noexcept;
 
 // The console: standard output, by the C library's stream, so that lines keep their order among

@@ -8,7 +8,7 @@ cd "$(dirname "$0")/.."
 declare -A knows=(
   [include]=""
   [platform]=""
-  [memory]="include"
+  [memory]="include platform"
   [frontend]="include platform memory"
   [parser]="include memory frontend"
   [vm]="include platform memory compiler"
