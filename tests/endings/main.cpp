@@ -1,7 +1,6 @@
 // What still works when a thread's and the process's own objects go: lines, and deep releases. Each
 // case is a process of its own, "endings CASE static|thread"; its last object lies in static
 // storage or is the thread's.
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -14,36 +13,19 @@ namespace {
 
 using namespace vorn;
 
-// Calls what it holds when it goes.
-class at_end {
- public:
-  explicit at_end(std::function<void()> work) : work_(std::move(work)) {}
-  at_end(at_end&& other) noexcept : work_(std::exchange(other.work_, nullptr)) {}
-  ~at_end() {
-    if (work_) work_();
-  }
-
- private:
-  std::function<void()> work_;
-};
-
 // The first to be made goes last, the program behind its interpreter.
 struct last_objects {
   std::shared_ptr<vrn_log_default> logger = std::make_shared<vrn_log_default>();
-  std::optional<at_end> end;
+  std::shared_ptr<void> end;
   vrn_program program;
   vrnvar_shared chain;
   std::optional<vrnscript> script;
 };
 
-last_objects& of_process() {
-  static last_objects objects;
-  return objects;
-}
-
-last_objects& of_thread() {
-  thread_local last_objects objects;
-  return objects;
+// Does its work when the last copy goes.
+template <class Work>
+std::shared_ptr<void> at_end(Work work) {
+  return {nullptr, [work](void*) { work(); }};
 }
 
 vrnvar_shared refs(int count) {
@@ -60,15 +42,14 @@ void work(std::string_view name, last_objects& last) {
   if (name == "interpreter") {
     last.script.emplace(vrnscript_config{.logger = last.logger,
                                          .thread_name = "A NAME OF MORE THAN 15 CHARACTERS"});
-    const auto capture =
-        std::make_shared<at_end>([] { log_line(vrn_log_level::out, "captured: at the end"); });
+    const auto say = [] { log_line(vrn_log_level::out, "captured: at the end"); };
     last.script->register_std_function(
-        "kept", [capture](auto&, auto&) { return var_none(); }, 0, 0);
+        "kept", [capture = at_end(say)](auto&, auto&) { return var_none(); }, 0, 0);
     last.program = vrn_program_loader(*last.script).create_program("f(a) { a } print(1);", "text");
   } else if (name == "logger") {
     set_thread_name("A NAME OF MORE THAN 15 CHARACTERS");
     last.logger->out("first");
-    last.end.emplace([logger = last.logger] {
+    last.end = at_end([logger = last.logger] {
       get_log().out("to nobody");
       logger->out("at the end");
     });
@@ -83,8 +64,12 @@ void work(std::string_view name, last_objects& last) {
 int main(int, char** arguments) {
   const std::string_view name = arguments[1];
   if (arguments[2] == std::string_view("static")) {
-    work(name, of_process());
+    static last_objects of_process;
+    work(name, of_process);
   } else {
-    std::thread([name] { work(name, of_thread()); }).join();
+    std::thread([name] {
+      thread_local last_objects of_thread;
+      work(name, of_thread);
+    }).join();
   }
 }

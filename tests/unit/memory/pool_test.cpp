@@ -1,9 +1,9 @@
 #include "memory/pool.hpp"
 
-#include <cstdio>
 #include <set>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -40,13 +40,8 @@ class pool_test : public testing::Test {
 
 // Five values are taken, some of them released, and one more is released with another slot byte.
 TEST_F(pool_test, wrong_slot_bytes) {
-  struct row {
-    std::vector<std::size_t> released;
-    std::uint8_t claimed;
-    bool goes_back;
-  };
-  const row rows[] = {
-      {{}, 1, true},                  // a slot in use
+  const std::tuple<std::vector<std::size_t>, std::uint8_t, bool> rows[] = {
+      {{}, 1, true},                  // goes back; it has claimed a slot in use
       {{}, 4, false},                 // the slot taken last, which counts as free
       {{1}, 1, false},                // a slot that has come back
       {{0, 1, 2, 3, 4}, 255, false},  // no slot, in a wholly free chunk
@@ -61,12 +56,12 @@ TEST_F(pool_test, wrong_slot_bytes) {
     }
     taken[3]->slot = claimed;
     pool.give_back(taken[3]);
-    char place[200];
-    std::snprintf(place, sizeof place,
-                  "Seems like variable %p belongs to pool %p, offset was %i, but actually is 3.",
-                  static_cast<void*>(taken[3]), static_cast<void*>(taken[0]), claimed);
+    const auto address = [](const void* of) { return testing::PrintToString(of); };
+    const std::string number = std::to_string(claimed);
     messages expected = {"invalid pool magic num: (nil) vs 0xffabcdef",
-                         "invalid variable pool memory! " + std::to_string(claimed), place};
+                         "invalid variable pool memory! " + number,
+                         "Seems like variable " + address(taken[3]) + " belongs to pool " +
+                             address(taken[0]) + ", offset was " + number + ", but actually is 3."};
     if (!goes_back) expected.push_back(already_free);
     EXPECT_EQ(errors(), expected);
     if (goes_back) out.erase(taken[3]);
