@@ -55,24 +55,15 @@ TEST(loader_test, the_tree_knows_its_files) {
   }
 }
 
-// Every reading is a millisecond after the one before.
-class ticking_clock final : public vrn_clock {
- public:
-  std::uint64_t wall_ticks() const override { return now_ += 10'000; }
-
- private:
-  mutable std::uint64_t now_ = 9'999;
-};
-
 TEST(loader_test, times_run_from_the_first_stage) {
-  const auto log = std::make_shared<collecting_log>();
-  vrnscript script({nullptr, log, true, "", std::make_shared<ticking_clock>()});
-  vrn_program_loader loader(script);
-  EXPECT_TRUE(loader.create_program("1;", "a"));
-  EXPECT_EQ(taken(*log), (strings{"Loading a", "Read 1 lines in 1 ms.", "AST creation took 3 ms.",
-                                  "Bytecode creation took 1 ms (1 instructions)."}));
-  EXPECT_FALSE(loader.create_program(")", "a"));
-  EXPECT_EQ(taken(*log).back(), "command_map creation failed in 3 ms.");
+  script_host host;
+  host.clock->wall_step_ms = 1;
+  EXPECT_TRUE(host.loader.create_program("1;", "a"));
+  EXPECT_EQ(taken(*host.log),
+            (strings{"Loading a", "Read 1 lines in 1 ms.", "AST creation took 3 ms.",
+                     "Bytecode creation took 1 ms (1 instructions)."}));
+  EXPECT_FALSE(host.loader.create_program(")", "a"));
+  EXPECT_EQ(taken(*host.log).back(), "command_map creation failed in 3 ms.");
 }
 
 TEST(loader_test, levels_that_are_off_stay_silent) {

@@ -114,29 +114,14 @@ TEST_F(handlers_test, outer_variables_that_are_not_there) {
   EXPECT_THROW(execute(op_load_string, 0U), std::out_of_range);
 }
 
-// Every reading is `step` nanoseconds after the one before.
-class stepping_clock final : public vrn_clock {
- public:
-  std::uint64_t monotonic_ns() const override { return now_ += step; }
-  std::uint64_t step = 0;
-
- private:
-  mutable std::uint64_t now_ = 0;
-};
-
-TEST(run_test, speed_line_and_moving_average) {
-  const auto log = std::make_shared<collecting_log>();
-  const auto clock = std::make_shared<stepping_clock>();
-  const vrnscript script({nullptr, log, false, "", clock});
-  const vrn_program program = std::make_shared<vrn_program_block_root>();
-  vrn_task task;
+TEST_F(handlers_test, speed_line_and_moving_average) {
   // A run of so many instructions: its line up to the average, and the average.
-  const auto line = [&](int count, std::uint64_t nanoseconds) {
-    log->records.clear();
-    clock->step = nanoseconds;
-    for (int k = 0; k < count; ++k) program->main->emit(op_push, 1U);
-    run(*program->main, task);
-    const std::string text = log->texts(vrn_log_level::debug).at(0);
+  const auto line = [this](int count, std::uint64_t nanoseconds) {
+    host_.log->records.clear();
+    host_.clock->step_ns = nanoseconds;
+    for (int k = 0; k < count; ++k) block_.emit(op_push, 1U);
+    run(block_, task_);
+    const std::string text = host_.log->texts(vrn_log_level::debug).at(0);
     const std::size_t cut = text.find(" avg IPS: ");
     return std::pair(text.substr(0, cut), std::stod(text.substr(cut + 10)));
   };
