@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <sstream>
 #include <string>
@@ -121,13 +120,11 @@ TEST_F(value_test, long_chains_and_deep_nests) {
 // Sets a locale that writes a comma for the point, made in a folder of its own; false where there
 // is no way to make one.
 bool set_comma_locale() {
-  const std::filesystem::path folder =
-      std::filesystem::temp_directory_path() / ("vornscript_locale." + std::to_string(getpid()));
-  std::filesystem::create_directories(folder);
-  std::ofstream(folder / "source") << "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \"\"\n"
-                                      "grouping -1\nEND LC_NUMERIC\n";
-  const std::string command = "cd " + folder.string() + " && localedef -c -i source ./comma";
-  static_cast<void>(std::system((command + " 2>/dev/null").c_str()) == 0);  // it warns
+  const std::string folder = testing::TempDir() + "vornscript_locale." + std::to_string(getpid());
+  const std::string rules = "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \"\"\nEND LC_NUMERIC";
+  const std::string make = "mkdir -p " + folder + " && cd " + folder + " && echo '" + rules +
+                           "' >rules && localedef -c -i rules ./comma 2>/dev/null";
+  static_cast<void>(std::system(make.c_str()) == 0);  // it warns
   setenv("LOCPATH", folder.c_str(), 1);
   const bool is_set = std::setlocale(LC_NUMERIC, "comma") != nullptr;
   unsetenv("LOCPATH");
