@@ -58,42 +58,38 @@ def limit_memory():
     resource.setrlimit(resource.RLIMIT_AS, (8 << 30, 8 << 30))
 
 
-class Build:
-    def __init__(self, copy, name):
-        tests, memory = f"{copy}/{name}/tests/vornscript_tests", f"{copy}/{name}/tests/vornscript_memory_tests"
-        # Those that are fast and find most come first.
+class Tests:
+    """The tests of the copy; those that are fast and find most come first."""
+
+    def __init__(self, build):
+        tests, memory = f"{build}/tests/vornscript_tests", f"{build}/tests/vornscript_memory_tests"
+        self.ninja = ["ninja", "-C", build, "-j2", "vornscript_tests", "vornscript_memory_tests"]
         self.runs = [[tests, "--gtest_filter=scripts*"], [tests, "--gtest_filter=-scripts*"], [memory]]
-        self.ninja = ["ninja", "-C", f"{copy}/{name}", "-j2", "vornscript_tests", "vornscript_memory_tests"]
-        self.limit = None if name == "sanitized" else limit_memory
         self.seconds = [900] * len(self.runs)
-
-    def compiles(self):
-        return subprocess.run(self.ninja, capture_output=True).returncode == 0
-
-    def passes(self):
-        return all(self.pass_of(run, seconds) for run, seconds in zip(self.runs, self.seconds))
-
-    def pass_of(self, run, seconds):
-        try:
-            return subprocess.run([*run, "--gtest_fail_fast"], timeout=seconds, preexec_fn=self.limit,
-                                  capture_output=True).returncode == 0
-        except subprocess.TimeoutExpired:
-            return False
-
-    def check(self):
-        if not self.compiles():
-            sys.exit(f"Does not compile: {' '.join(self.ninja)}")
+        if not self.compile():
+            sys.exit("The copy does not compile.")
         for place, run in enumerate(self.runs):
             start = time.monotonic()
-            if not self.pass_of(run, 900):
+            if not self.passes(run, self.seconds[place]):
                 sys.exit(f"Fails without any change: {' '.join(run)}")
             self.seconds[place] = 10 + 10 * (time.monotonic() - start)
 
+    def compile(self):
+        return subprocess.run(self.ninja, capture_output=True).returncode == 0
+
+    def notice(self):
+        return not all(map(self.passes, self.runs, self.seconds))
+
+    def passes(self, run, seconds):
+        try:
+            return subprocess.run([*run, "--gtest_fail_fast"], timeout=seconds, capture_output=True,
+                                  preexec_fn=limit_memory).returncode == 0
+        except subprocess.TimeoutExpired:
+            return False
+
 
 def main(copy, seed, count, *sources):
-    plain, sanitized = Build(copy, "plain"), Build(copy, "sanitized")
-    for build in (plain, sanitized):
-        build.check()
+    tests = Tests(f"{copy}/build")
     texts = {source: open(source).read().split("\n") for source in sources}
     places = [(source, number, mutant) for source, lines in texts.items()
               for number, line in enumerate(lines) for mutant in mutants(line)]
@@ -106,9 +102,9 @@ def main(copy, seed, count, *sources):
         lines[number] = mutant
         with open(f"{copy}/source/{source}", "w") as file:
             file.write("\n".join(lines))
-        if plain.compiles():
+        if tests.compile():
             tried += 1
-            if plain.passes() and sanitized.compiles() and sanitized.passes():
+            if not tests.notice():
                 survived += 1
                 print(f"{source}:{number + 1}\n-{texts[source][number]}\n+{mutant}", flush=True)
         with open(f"{copy}/source/{source}", "w") as file:
