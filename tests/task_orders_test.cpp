@@ -79,7 +79,9 @@ class random_orders {
   }
   std::string expression(unsigned known, int depth) {
     const auto inner = [&] { return expression(known, depth - 1); };
-    switch (depth == 0 ? 0 : below(8)) {
+    switch (depth == 0 ? 0 : below(known > 0 ? 8 : 6)) {
+      case 0:
+        return "1";
       case 1:
         return inner() + " + " + inner();
       case 2:
@@ -90,12 +92,8 @@ class random_orders {
         return "sleep(" + std::to_string(below(3)) + ")";
       case 5:
         return below(4) == 0 ? "fail()" : "1";
-      case 6:
-      case 7:
-        if (known > 0) return name(below(known)) + "(" + inner() + ")";
-        [[fallthrough]];
       default:
-        return "1";
+        return name(below(known)) + "(" + inner() + ")";
     }
   }
   static std::string name(unsigned function) { return "call" + std::to_string(function); }

@@ -61,18 +61,14 @@ namespace {
 
 using strings = std::vector<std::string>;
 
-constexpr const char* library =
-    "#define FIRST \"a text that is too long to stand inside of its value\"\n"
-    "#define SECOND FIRST + 1\n"
-    "joined(left, right) { between = \" and \"; left + between + right }\n";
-constexpr const char* whole_program =
-    "#include \"library\"\n"
-    "print(joined(SECOND, abs(-3.5)));\n"
-    "members = make(12); copy = make(1); copy = members;\n"
-    "wait(time) { sleep(time); time * 2 }\n"
-    "print(wait(5));\n"
-    "wrong = copy - \"one\";\n"
-    "print(vtype(copy) + \" and \" + vtype(make(0)));\n";
+constexpr const char* library = R"(
+#define FIRST "a text that is too long to stand inside of its value"
+#define SECOND FIRST + 1
+joined(left, right) { between = " and "; left + between + right })";
+constexpr const char* whole_program = R"(#include "library"
+print(joined(SECOND, abs(-3.5))); members = make(12); copy = make(1); copy = members;
+wait(time) { sleep(time); time * 2 } print(wait(5)); wrong = copy - "one";
+print(vtype(copy) + " and " + vtype(make(0)));)";
 constexpr const char* broken_program = "#include \"library\"\n#define MORE (SECOND\nprint(MORE);\n";
 
 // A json with so many members; without any a class.
@@ -86,15 +82,6 @@ vrnvar_shared make(vrn_vm_context&, std::vector<vrnvar_shared>& arguments) {
     made->as<vrnvar_ptr_json>()->members.add(key)->value.set_string(key);
   }
   return made;
-}
-
-// Loads a program that cannot be loaded, then one that can, and runs it.
-void load_and_run(script_host& host, vrn_program& program) {
-  host.files->add("library.vrs", library);
-  host.script.register_std_function("make", make, 1, 1);
-  EXPECT_FALSE(host.load(broken_program));
-  program = host.load(whole_program);
-  if (program) host.run({program});
 }
 
 bool has_error(const script_host& host, const char* error) {
@@ -111,7 +98,11 @@ bool survives(std::size_t request, std::size_t failures) {
   requests_left = request;
   failures_left = failures;
   try {
-    load_and_run(host.emplace(), program);
+    host.emplace().files->add("library.vrs", library);
+    host->script.register_std_function("make", make, 1, 1);
+    EXPECT_FALSE(host->load(broken_program));
+    program = host->load(whole_program);
+    if (program) host->run({program});
     requests_left = SIZE_MAX;
     EXPECT_TRUE(host->log->texts(vrn_log_level::out) == printed ||
                 has_error(*host, "Task failed: std::bad_alloc"));
