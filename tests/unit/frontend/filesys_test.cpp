@@ -119,10 +119,9 @@ TEST_F(filesys_os, files_of_more_than_4_gib_are_refused) {
   files_.write("large.vrs", "print(1);");
   fs::resize_file("large.vrs", vrn_source_size_max + 1);
   const auto log = std::make_shared<test::collecting_log>();
-  vrnscript script({std::make_shared<vrn_filesys_os>(), log, true, "", nullptr});
-  vrn_program_loader loader(script);
-  EXPECT_FALSE(loader.create_program("large.vrs"));
-  EXPECT_TRUE(loader.create_program("#include \"large\"\n1;", ""));
+  vrnscript script({.filesys = std::make_shared<vrn_filesys_os>(), .logger = log});
+  EXPECT_FALSE(vrn_program_loader(script).create_program("large.vrs"));
+  EXPECT_TRUE(vrn_program_loader(script).create_program("#include \"large\"\n1;", ""));
   const std::string line = "Source file " + in_folder("large.vrs") + " is too large.";
   EXPECT_EQ(log->texts(vrn_log_level::error), (strings{line, line}));
 

@@ -38,9 +38,18 @@ TEST(vrnscript_test, one_for_each_thread) {
 TEST(vrnscript_test, ends_before_its_programs) {
   std::optional<script_host> host(std::in_place);
   const auto log = host->log;
+  vrnptr<vrn_program_block_routine> handle;
+  const auto at_end = [&handle](void*) {
+    EXPECT_EQ(handle.get(), nullptr);
+    log_line(vrn_log_level::warning, var_string("a text that stands on the heap")->to_text());
+  };
+  host->script.register_std_function(
+      "f", [capture = std::shared_ptr<void>(nullptr, at_end)](auto&, auto&) { return var_none(); },
+      0, 0);
   host->script.register_std_function(
       "kept", [value = var_string("kept")](auto&, auto&) { return value; }, 0, 0);
   vrn_program program = host->load("x = kept(); same(a) { a } print(same(x)); sleep(1000)");
+  handle = program->main->handle();
   vrn_ref<vrn_task> task = task_create(program);
   task_run(*task, 0);
   host->script.tick();
@@ -49,7 +58,9 @@ TEST(vrnscript_test, ends_before_its_programs) {
   strings expected(4, "There are still pool chunks allocated!");
   expected[0] = "The interpreter ends before its programs: 3 program blocks are still held.";
   EXPECT_EQ(log->texts(vrn_log_level::error), expected);
+  EXPECT_EQ(log->records.back().text, "a text that stands on the heap");
   EXPECT_EQ(task->reference_count, 1U);
+  EXPECT_TRUE(!current_script && !log_override);
   host.emplace();
   program.reset();
   value = {};
@@ -111,24 +122,6 @@ TEST(vrnscript_test, what_handles_mean) {
   EXPECT_EQ(root.get(), nullptr);
   EXPECT_EQ(main.get(), nullptr);
   EXPECT_EQ(program->main->handle().get(), program->main.get());
-}
-
-// What functions have captured goes when the pools have gone.
-TEST(vrnscript_test, captures_that_use_the_interpreter_at_its_end) {
-  std::optional<script_host> host(std::in_place);
-  const auto log = host->log;
-  const vrn_program program = host->load("1;");
-  const auto at_end = [handle = program->main->handle()](void*) {
-    EXPECT_EQ(handle.get(), nullptr);
-    log_line(vrn_log_level::out, var_string("a text that stands on the heap")->to_text());
-  };
-  host->script.register_std_function(
-      "f", [capture = std::shared_ptr<void>(nullptr, at_end)](auto&, auto&) { return var_none(); },
-      0, 0);
-  host.reset();
-  EXPECT_EQ(log->records.back().text, "a text that stands on the heap");
-  EXPECT_EQ(current_script, nullptr);
-  EXPECT_EQ(log_override, nullptr);
 }
 
 TEST(vrnscript_test, log_override_wins_over_interpreter_wins_over_silence) {
