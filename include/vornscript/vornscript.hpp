@@ -14,6 +14,7 @@
 #include <vornscript/filesys.hpp>
 #include <vornscript/log.hpp>
 #include <vornscript/log_default.hpp>
+#include <vornscript/native.hpp>
 #include <vornscript/program_block.hpp>
 #include <vornscript/program_loader.hpp>
 #include <vornscript/ref.hpp>

@@ -5,10 +5,12 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <vornscript/clock.hpp>
 #include <vornscript/filesys.hpp>
 #include <vornscript/log.hpp>
+#include <vornscript/native.hpp>
 #include <vornscript/std_function.hpp>
 #include <vornscript/thread_state.hpp>
 
@@ -53,8 +55,31 @@ class alignas(64) vrnscript final : private vrn_thread_binding {
   // throws is reported in the log and ends; the others go on.
   void tick();
 
-  // Makes `callable` known to scripts that are compiled from now on, in the place of a function
-  // that had the name before.
+  // Makes a C++ function, or a copyable object with one operator(), known to scripts that are
+  // compiled from now on, in the place of a function that had the name before.
+  //
+  // Parameters: arithmetic types, std::string, std::string_view, vrnvar_shared, as values or const
+  // references; std::optional of these at the end, empty where the call leaves them out; first a
+  // vrn_vm_context&, which does not count. The numbers of arguments follow from these.
+  // - Arguments are converted as get_int(), get_float() and to_text() do. A number that does not
+  //   fit an integral parameter becomes the nearest that does, a NaN the least; a bool is false
+  //   for 0.
+  // - A std::string_view lies in the script's string and is valid until that changes; of a value of
+  //   another type, as long as the call. A vrnvar_shared is the caller's value, not a copy.
+  // Result: arithmetic types (a bool as 0 or 1, what is too large as the largest integer),
+  // std::string, std::string_view, vrnvar_shared as it is; std::optional of these, empty: none;
+  // void: none. What it throws ends the task.
+  template <class Callable>
+  void register_function(std::string_view name, Callable callable) {
+    using signature = decltype(detail::native_signature_of<Callable>());
+    if constexpr (signature::valid) {
+      register_std_function(name, signature::wrap(std::move(callable)), signature::min_arguments,
+                            signature::max_arguments);
+    }
+  }
+
+  // The same for a function that takes the arguments as they come, any number from the fewest to
+  // the most.
   void register_std_function(std::string_view name, vrn_native callable,
                              std::uint32_t min_arguments, std::uint32_t max_arguments);
 
