@@ -45,11 +45,19 @@ std::uint64_t float_bits(const vrn_ast_node& literal) {
 
 }  // namespace
 
-bool vrn_code_generator::compile_list(vrn_program_block_base& block, vrn_node_list nodes) {
-  for (const vrn_node node : nodes) {
-    if (!compile(block, *node)) return false;
+bool vrn_code_generator::compile_list(vrn_program_block_base& block,
+                                      vrn_statement_list statements) {
+  vrn_program_block_routine* const routine = code_block(block);
+  const bool noting = routine && noted_tree_;
+  if (noting) {
+    routine->statements = {noted_tree_, statements.data()};
+    routine->statement_ends.reserve(statements.size());
   }
-  const vrn_program_block_routine* const routine = code_block(block);
+  for (const vrn_ast_statement& statement : statements) {
+    if (!compile(block, *statement.node)) return false;
+    if (!noting) continue;
+    routine->statement_ends.push_back(static_cast<std::uint32_t>(routine->instructions().size()));
+  }
   if (!routine || !routine->code || routine->code->size() <= code_size_max) return true;
   log_line(vrn_log_level::error, "Program is too large.");
   return false;
@@ -224,7 +232,8 @@ vrn_program create_bytecode(vrnscript& script, std::shared_ptr<vrn_ast> ast,
   auto program = std::make_shared<vrn_program_block_root>();
   program->ast = std::move(ast);
   instruction_count = 0;
-  vrn_code_generator generator(script, instruction_count, program->ast->node_count);
+  vrn_code_generator generator(script, instruction_count, program->ast->node_count,
+                               script.on_report() ? program->ast : nullptr);
   if (!generator.compile_list(*program->main, program->ast->nodes)) return {};
   const auto elapsed = static_cast<std::int64_t>(script.clock().wall_ms() - start);
   log_line(vrn_log_level::log, "Bytecode creation took ", elapsed, " ms (", instruction_count,

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include <vornscript/program_block.hpp>
@@ -28,14 +29,18 @@ vrn_program create_bytecode(vrnscript& script, std::shared_ptr<vrn_ast> ast,
 
 class vrn_code_generator {
  public:
-  // `node_count`, that of the top level, says how much room its code needs.
+  // `node_count`, that of the top level, says how much room its code needs. With a tree, routines
+  // note where their statements end and keep it.
   vrn_code_generator(vrnscript& script, std::uint32_t& instruction_count,
-                     std::uint32_t node_count = 0)
-      : script_(script), count_(instruction_count), node_count_(node_count) {}
+                     std::uint32_t node_count = 0, std::shared_ptr<const vrn_ast> noted_tree = {})
+      : script_(script),
+        count_(instruction_count),
+        node_count_(node_count),
+        noted_tree_(std::move(noted_tree)) {}
 
   // Compile a node, or a list of nodes in order, into a block; false on the first failure. Only
   // routine blocks take code.
-  bool compile_list(vrn_program_block_base& block, vrn_node_list nodes);
+  bool compile_list(vrn_program_block_base& block, vrn_statement_list statements);
   bool compile(vrn_program_block_base& block, const vrn_ast_node& node);
 
   // Where a variable lies, seen from a block: so many parent links up, at that index.
@@ -95,6 +100,7 @@ class vrn_code_generator {
   vrnscript& script_;
   std::uint32_t& count_;
   std::uint32_t node_count_;  // of the routine that is being compiled
+  std::shared_ptr<const vrn_ast> noted_tree_;
   std::vector<waiting> waiting_;
   // Beside each block's string table, so that finding a literal does not search it.
   std::unordered_map<const vrn_program_block_routine*, string_index> string_indexes_;

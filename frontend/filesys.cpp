@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <filesystem>
 #include <utility>
+#include <vector>
+
+#include "frontend/tab_run.hpp"
 
 namespace vorn {
 namespace {
@@ -81,6 +84,10 @@ std::string directory_of(std::string_view path) {
 }
 
 std::string normalise_source(std::string text) {
+  return normalise_source(std::move(text), nullptr);
+}
+
+std::string normalise_source(std::string text, std::vector<vrn_tab_run>* runs) {
   std::size_t tab = text.find('\t');
   if (tab == std::string::npos) return text;
 
@@ -96,6 +103,10 @@ std::string normalise_source(std::string text) {
     result += piece;
     result.append(tab_width - (result.size() - line_start) % tab_width, ' ');
     copied = tab + 1;
+    if (!runs) continue;
+    if (piece.empty() && !runs->empty()) runs->pop_back();  // the run goes on
+    runs->push_back(
+        {static_cast<std::uint32_t>(result.size()), static_cast<std::uint32_t>(copied)});
   }
   result.append(text, copied);
   result.shrink_to_fit();

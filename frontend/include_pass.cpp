@@ -34,7 +34,7 @@ std::shared_ptr<vrn_src_token_view> open_view(const std::string& path, std::stri
   auto view = std::make_shared<vrn_src_token_view>();
   view->name = path;
   view->directory = directory_of(path);
-  view->text = normalise_source(std::move(text));
+  view->set_text(std::move(text));
   view->parent = &includer;
   view->included_at = operand;
   return view;

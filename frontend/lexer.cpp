@@ -207,6 +207,7 @@ class lexer {
     const mark start = here();
     const std::size_t length = rest().substr(2).find("*/");
     if (length == std::string_view::npos) {
+      at_ = end_;
       report_unterminated_comment(place(start));
       return false;
     }
@@ -260,7 +261,10 @@ class lexer {
         // A line end taken here is deliberately not counted.
         if (at_ < end_) advance(peek().length);
       } else if (next.value == '\n') {
-        if (!is_triple) break;
+        if (!is_triple) {
+          at_ = next_at;
+          break;
+        }
         begin_line();
       }
     }
@@ -337,11 +341,15 @@ class lexer {
     token.space_before = std::exchange(space_before_, false);
   }
 
+  // That of the token read so far.
   vrn_src_place place(const mark& start) const {
     return {view_.name,
             start.line,
             start.column,
-            {start.at, static_cast<std::size_t>(end_ - start.at)}};
+            {start.at, static_cast<std::size_t>(end_ - start.at)},
+            &view_,
+            static_cast<std::uint32_t>(start.at - begin_),
+            static_cast<std::uint32_t>(at_ - begin_)};
   }
 
   vrn_src_token_view& view_;

@@ -1,12 +1,14 @@
 #include "frontend/report.hpp"
 
 #include <algorithm>
+#include <exception>
 #include <string>
 #include <vector>
 
 #include <vornscript/log.hpp>
 
 #include "frontend/code_point.hpp"
+#include "frontend/report_callback.hpp"
 
 namespace vorn {
 namespace {
@@ -106,35 +108,62 @@ std::size_t offset_in_line(std::string_view line, const vrn_src_token& token) {
   return offset;
 }
 
+void tell_callback(const vrn_src_place& place, const message_text& message) {
+  const vrn_report_callback* const callback = report_callback();
+  if (!callback) return;
+  const std::string text = std::string(message.text).append(message.operand).append(message.ending);
+  try {
+    call_back(*callback, vrn_report_kind::syntax, text, place, nullptr);
+    return;
+  } catch (const std::exception& exception) {
+    log_line(vrn_log_level::error, exception.what());
+  } catch (...) {
+    log_line(vrn_log_level::error, "unknown exception");
+  }
+  throw vrn_load_stopped();
+}
+
 }  // namespace
 
 void report(const vrn_src_place& place, std::string_view text, std::string_view operand,
             std::string_view ending) {
+  const message_text message{text, operand, ending};
   vrn_log_base& logger = get_log();
-  if (!logger.enabled(vrn_log_level::error)) return;
-  // The line is searched no further than it is shown.
-  std::string_view line = place.excerpt.substr(0, shown_max + 1);
-  line = line.substr(0, line.find('\n'));
-  vrn_src_place shown = place;
-  shown.excerpt = line.size() > shown_max ? shown_piece(line, 0) : line;
-  write_report(logger, shown, place.column, {text, operand, ending}, nullptr);
+  if (logger.enabled(vrn_log_level::error)) {
+    // The line is searched no further than it is shown.
+    std::string_view line = place.excerpt.substr(0, shown_max + 1);
+    line = line.substr(0, line.find('\n'));
+    vrn_src_place shown = place;
+    shown.excerpt = line.size() > shown_max ? shown_piece(line, 0) : line;
+    write_report(logger, shown, place.column, message, nullptr);
+  }
+  tell_callback(place, message);
 }
 
 void report(const vrn_src_token& token, std::string_view text, std::string_view operand,
             std::string_view ending) {
+  const message_text message{text, operand, ending};
   vrn_log_base& logger = get_log();
-  if (!logger.enabled(vrn_log_level::error)) return;
-  const vrn_src_token_view* const source = token.source;
-  const std::uint32_t line = token.line();
-  vrn_src_place place{source->name, line, token.column, source->line_text(line)};
-  std::size_t caret = token.column;
-  if (place.excerpt.size() > shown_max) {
-    const std::size_t at = offset_in_line(place.excerpt, token);
-    const std::size_t begin = at - std::min(at, shown_max / 2);
-    caret = count_characters(place.excerpt.substr(begin, at - begin));
-    place.excerpt = shown_piece(place.excerpt, begin);
+  const bool shown = logger.enabled(vrn_log_level::error);
+  if (!shown && !report_callback()) return;
+  vrn_src_place place = place_of(token);
+  if (shown) {
+    std::size_t caret = token.column;
+    if (place.excerpt.size() > shown_max) {
+      const std::size_t at = offset_in_line(place.excerpt, token);
+      const std::size_t begin = at - std::min(at, shown_max / 2);
+      caret = count_characters(place.excerpt.substr(begin, at - begin));
+      place.excerpt = shown_piece(place.excerpt, begin);
+    }
+    write_report(logger, place, caret, message, place.source);
   }
-  write_report(logger, place, caret, {text, operand, ending}, source);
+  tell_callback(place, message);
+}
+
+vrn_src_place place_of(const vrn_src_token& token) {
+  const std::uint32_t line = token.line();
+  return {token.source->name, line,          token.column, token.source->line_text(line),
+          token.source,       token.index(), token.end()};
 }
 
 }  // namespace vorn

@@ -8,6 +8,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "frontend/tab_run.hpp"
+
 namespace vorn {
 
 enum class vrn_token_kind : std::uint8_t {
@@ -44,6 +46,8 @@ struct vrn_src_token {
   std::uint32_t line() const;
   // The byte offset of the first character, a string's opening quote.
   std::uint32_t index() const { return kind == vrn_token_kind::string ? begin - symbol : begin; }
+  // That of the end, behind a string's closing quote.
+  std::uint32_t end() const;
 
   bool is_symbol(std::string_view spelling) const { return symbol == symbol_code(spelling); }
   bool is_word(std::string_view spelling) const {
@@ -63,8 +67,15 @@ struct vrn_src_token_view {
   // again for the same line, it need not look for the end.
   std::string_view line_text(std::uint32_t line) const;
 
-  std::string text;  // normalised; not changed once there are tokens
-  std::string name;  // the file's canonical path, or "<memory>"
+  // Sets the text, normalised. The runs of tabs are noted if somebody may ask for offsets.
+  void set_text(std::string bytes);
+
+  // What an offset in the text is in the file as it was read.
+  std::uint32_t offset_in_file(std::uint32_t at) const;
+
+  std::string text;               // normalised; not changed once there are tokens
+  std::vector<vrn_tab_run> tabs;  // empty unless reports go to a callback
+  std::string name;               // the file's canonical path, or "<memory>"
   std::string directory;
   std::vector<vrn_src_token> tokens;
   std::unordered_map<std::string, std::shared_ptr<std::string>> included;  // of the main file

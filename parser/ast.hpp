@@ -34,6 +34,14 @@ struct vrn_ast_node {
 using vrn_node = const vrn_ast_node*;
 using vrn_node_list = std::span<vrn_node>;
 
+// What a command of the program or of a body has become, and the token that the command begins
+// with.
+struct vrn_ast_statement {
+  vrn_node node = nullptr;
+  const vrn_src_token* first = nullptr;
+};
+using vrn_statement_list = std::span<vrn_ast_statement>;
+
 // The base of the node class with a given kind; all of its members start empty.
 template <vrn_node_kind node_kind>
 struct vrn_ast_node_of : vrn_ast_node {
@@ -53,7 +61,7 @@ struct vrn_ast_node_condition : vrn_ast_node_of<vrn_node_kind::condition_node> {
   using vrn_ast_node_of::vrn_ast_node_of;
 
   vrn_node condition = nullptr;
-  vrn_node_list body;
+  vrn_statement_list body;
   vrn_node otherwise = nullptr;  // a condition node
 };
 
@@ -63,14 +71,14 @@ struct vrn_ast_node_loop : vrn_ast_node_of<vrn_node_kind::loop_node> {
   vrn_node start = nullptr;  // empty when the header has one part
   vrn_node condition = nullptr;
   vrn_node end = nullptr;  // empty when the header has one part or two
-  vrn_node_list body;
+  vrn_statement_list body;
 };
 
 // Of "class", "struct" and "cstruct" alike.
 struct vrn_ast_node_class_def : vrn_ast_node_of<vrn_node_kind::class_def_node> {
   using vrn_ast_node_of::vrn_ast_node_of;
 
-  vrn_node_list entries;
+  vrn_statement_list entries;
 };
 
 struct vrn_ast_node_function_def_param : vrn_ast_node_of<vrn_node_kind::function_def_param_node> {
@@ -85,7 +93,7 @@ struct vrn_ast_node_function_def : vrn_ast_node_of<vrn_node_kind::function_def_n
   std::uint32_t keyword_count = 0;  // of the words before the name
   std::uint32_t node_count = 0;     // in the body
   std::span<const vrn_ast_node_function_def_param*> params;
-  vrn_node_list body;
+  vrn_statement_list body;
 };
 
 struct vrn_ast_node_function_call_param : vrn_ast_node_of<vrn_node_kind::function_call_param_node> {
@@ -190,7 +198,7 @@ class vrn_ast {
     return store_.make_list<T>(size);
   }
 
-  vrn_node_list nodes;           // the top level, in source order
+  vrn_statement_list nodes;      // the top level, in source order
   std::uint32_t node_count = 0;  // of the top level, without the bodies of functions
   std::shared_ptr<vrn_src_token_view> source;
   std::string source_name;

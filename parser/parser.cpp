@@ -202,14 +202,14 @@ vrn_node vrn_parser::parse_only(vrn_command_span list) {
   return node;
 }
 
-const vrn_src_command* vrn_parser::parse_list(vrn_command_span list, vrn_node_list& nodes) {
-  nodes = ast_.make_list<vrn_node>(expressions_in(list));
+const vrn_src_command* vrn_parser::parse_list(vrn_command_span list, vrn_statement_list& nodes) {
+  nodes = ast_.make_list<vrn_ast_statement>(expressions_in(list));
   auto place = nodes.begin();
   for (const vrn_src_command& command : list) {
     if (is_define(command)) {
       add_define(command);
     } else if (const vrn_node node = parse(commands_.view(command))) {
-      *place++ = node;
+      *place++ = {node, &commands_.view(command).front()};
     } else {
       nodes = nodes.first(static_cast<std::size_t>(place - nodes.begin()));
       return &command;

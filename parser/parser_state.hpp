@@ -65,7 +65,7 @@ class vrn_parser {
   vrn_node replace_define(define& found, const vrn_src_token& token);
   // The commands of a list in order, defines taken in on the way; what they give becomes `nodes`.
   // Gives the command that gave no node, which ends it; null when there is none.
-  const vrn_src_command* parse_list(vrn_command_span list, vrn_node_list& nodes);
+  const vrn_src_command* parse_list(vrn_command_span list, vrn_statement_list& nodes);
   // The one expression among a list's commands.
   vrn_node parse_only(vrn_command_span list);
 
@@ -105,7 +105,7 @@ class vrn_parser {
   vrn_node parse_condition(vrn_src_command_view range);
   bool parse_branch(vrn_src_command_view range, std::uint32_t at, vrn_ast_node_condition& branch);
   bool parse_body(vrn_src_command_view range, std::uint32_t at, const vrn_src_token& keyword,
-                  vrn_node_list& body);
+                  vrn_statement_list& body);
   vrn_node parse_loop(vrn_src_command_view range);
   bool parse_loop_header(vrn_src_command_view range, vrn_ast_node_loop& loop);
   vrn_node parse_return(vrn_src_command_view range);

@@ -54,7 +54,7 @@ bool vrn_parser::parse_branch(vrn_src_command_view range, std::uint32_t at,
 
 // What follows the keyword of a branch or a loop, and its header.
 bool vrn_parser::parse_body(vrn_src_command_view range, std::uint32_t at,
-                            const vrn_src_token& keyword, vrn_node_list& body) {
+                            const vrn_src_token& keyword, vrn_statement_list& body) {
   if (has_group(range, at, vrn_token_kind::group_brace) &&
       !parse_list(commands_.group(range.token(at)), body)) {
     return true;
@@ -89,9 +89,9 @@ bool vrn_parser::parse_loop_header(vrn_src_command_view range, vrn_ast_node_loop
   const vrn_reporter reporters[] = {report_cannot_parse_start, report_invalid_for_condition,
                                     report_cannot_parse_end};
   const std::size_t first = count == 1 ? 1 : 0;
-  vrn_node_list parts;
+  vrn_statement_list parts;
   if (parse_list(header, parts)) return failed(reporters[first + parts.size()]);
-  for (std::size_t i = 0; i < count; ++i) *members[first + i] = parts[i];
+  for (std::size_t i = 0; i < count; ++i) *members[first + i] = parts[i].node;
   return true;
 }
 

@@ -12,6 +12,7 @@
 #include "compiler/code_generator.hpp"
 #include "frontend/command_map.hpp"
 #include "frontend/lexer.hpp"
+#include "frontend/report.hpp"
 #include "frontend/source_file.hpp"
 #include "parser/parser.hpp"
 #include "runtime/thread_check.hpp"
@@ -30,6 +31,16 @@ class stopwatch {
   std::uint64_t start_ = current_clock().wall_ms();
 };
 
+// Runs a stage, which also fails when a report's callback has thrown.
+template <class Stage>
+auto run_stage(const Stage& stage) -> decltype(stage()) {
+  try {
+    return stage();
+  } catch (const vrn_load_stopped&) {
+    return {};
+  }
+}
+
 // Later stages find the lines of an error report, and the includes of what was read, in the view.
 std::shared_ptr<vrn_src_token_view> create_token_map(std::string text, std::string source_name) {
   const stopwatch watch;
@@ -43,8 +54,8 @@ std::shared_ptr<vrn_src_token_view> create_token_map(std::string text, std::stri
   view->name = std::move(source_name);
   view->directory = directory_of(view->name);
   view->included.emplace(view->name, std::make_shared<std::string>(view->name));
-  view->text = normalise_source(std::move(text));
-  const std::uint32_t lines = tokenize(*view);
+  view->set_text(std::move(text));
+  const std::uint32_t lines = run_stage([&] { return tokenize(*view); });
   if (lines == 0) {
     log_line(vrn_log_level::error, "stage_1 failed.");
     return {};
@@ -62,9 +73,9 @@ std::shared_ptr<vrn_ast> create_tree(std::string text, std::string source_name) 
   };
   const auto view = create_token_map(std::move(text), std::move(source_name));
   if (!view) return fail("token_map");
-  const auto commands = create_command_map(view);
+  const auto commands = run_stage([&] { return create_command_map(view); });
   if (!commands) return fail("command_map");
-  auto ast = create_ast(*commands);
+  auto ast = run_stage([&] { return create_ast(*commands); });
   if (!ast) return fail("AST");
   ast->source_name = view->name;
   log_line(vrn_log_level::log, "AST creation took ", watch.elapsed(), " ms.");
@@ -89,7 +100,8 @@ vrn_program vrn_program_loader::create_program(std::string_view file_name) {
 vrn_program vrn_program_loader::create_program(std::string text, std::string source_name) {
   if (!check_thread(*script_, "create_program()")) return {};
   auto ast = create_tree(std::move(text), std::move(source_name));
-  return ast ? create_bytecode(*script_, std::move(ast), instruction_count_) : vrn_program();
+  if (!ast) return {};
+  return run_stage([&] { return create_bytecode(*script_, std::move(ast), instruction_count_); });
 }
 
 }  // namespace vorn

@@ -36,6 +36,7 @@ vrnscript::vrnscript(vrnscript_config config)
   state_->logger = std::move(config.logger);
   state_->filesys = std::move(config.filesys);
   state_->clock = std::move(config.clock);
+  state_->on_report = std::move(config.on_report);
   if (!state_->filesys) state_->filesys = std::make_shared<vrn_filesys>();
   if (!state_->logger) state_->logger = std::make_shared<vrn_log_base>(vrn_log_all);
   if (!state_->clock) state_->clock = std::make_shared<vrn_clock>();
@@ -79,5 +80,6 @@ void vrnscript::add_std_functions() { vorn::add_std_functions(*this); }
 vrn_log_base& vrnscript::logger() const { return *state_->logger; }
 vrn_filesys& vrnscript::filesys() const { return *state_->filesys; }
 const vrn_clock& vrnscript::clock() const { return *state_->clock; }
+const vrn_report_callback& vrnscript::on_report() const { return state_->on_report; }
 
 }  // namespace vorn

@@ -84,11 +84,11 @@ std::uint32_t handle_op_load_outer_var(vrn_vm_context& context, std::byte* recor
     const auto* routine = outer_routine(context.block, read_field<std::uint32_t>(record, 4));
     const auto index = read_field<std::uint32_t>(record, 8);
     if (!routine) {
-      runtime_error_no_parent();
+      runtime_error_no_parent({context, record});
       return size_of<op_load_outer_var>;
     }
     if (index >= routine->variables.size()) {
-      runtime_error_out_of_bounds();
+      runtime_error_out_of_bounds({context, record});
       return size_of<op_load_outer_var>;
     }
     value = routine->variables[index].get();
@@ -127,19 +127,33 @@ std::uint32_t handle_op_pop(vrn_vm_context& context, std::byte*) {
   return size_of<op_pop>;
 }
 
-std::uint32_t handle_op_assign(vrn_vm_context& context, std::byte*) {
+// With a ref or an empty slot among the operands. Apart, so that the other case need not keep what
+// only a report wants to know.
+[[gnu::noinline]] std::uint32_t assign_slowly(vrn_vm_context& context, const std::byte* record) {
   const vrnvar_shared right = pop(context);
   const vrnvar* const source = deref_value(right.get());
   vrnvar* const target = top_value(context);
   if (source && target) {
     target->copy_from(source);
   } else {
-    runtime_error_invalid_variable();
+    runtime_error_invalid_variable({context, record});
   }
   return size_of<op_assign>;
 }
 
-std::uint32_t handle_op_negate(vrn_vm_context& context, std::byte*) {
+std::uint32_t handle_op_assign(vrn_vm_context& context, std::byte* record) {
+  auto& stack = context.task->value_stack;
+  const vrnvar* const source = stack.back().get();
+  vrnvar* const target = stack.end()[-2].get();
+  const bool plain =
+      source && target && source->type != vrn_type::ref && target->type != vrn_type::ref;
+  if (!plain) return assign_slowly(context, record);
+  target->copy_from(source);
+  stack.pop_back();
+  return size_of<op_assign>;
+}
+
+std::uint32_t handle_op_negate(vrn_vm_context& context, std::byte* record) {
   const vrnvar* const value = top_value(context);
   const vrn_type type = value ? value->type : vrn_type::none;
   if (type == vrn_type::floating) {
@@ -149,7 +163,7 @@ std::uint32_t handle_op_negate(vrn_vm_context& context, std::byte*) {
     // Unsigned, so that the most negative number wraps to itself.
     set_number(top(context), 0 - value->payload, type);
   } else {
-    runtime_error_negate(type);
+    runtime_error_negate({context, record}, type);
   }
   return size_of<op_negate>;
 }
@@ -212,12 +226,13 @@ std::uint64_t of_floats(const vrnvar& left, const vrnvar& right) {
   return std::bit_cast<std::uint64_t>(Operation::of(first, right.get_float()));
 }
 
-void concatenate(vrnvar_shared& slot, const vrnvar& left, const vrnvar& right) {
+void concatenate(vrn_fault_place place, vrnvar_shared& slot, const vrnvar& left,
+                 const vrnvar& right) {
   vrn_number_buffer left_buffer;
   vrn_number_buffer right_buffer;
   const std::string_view first = value_text(left, left_buffer);
   const std::string_view second = value_text(right, right_buffer);
-  if (first.size() + second.size() > text_length_max) return runtime_error_text_too_long();
+  if (first.size() + second.size() > text_length_max) return runtime_error_text_too_long(place);
   vrnvar_shared result = var_none();
   result->set_type(vrn_type::string);
   result->as<vrnvar_ptr_str>()->text.assign(first, second);
@@ -226,22 +241,22 @@ void concatenate(vrnvar_shared& slot, const vrnvar& left, const vrnvar& right) {
 
 // All pairs of operands but two integers or two floats.
 template <class Operation>
-void combine_mixed(vrnvar_shared& slot, vrnvar_shared& spare, const vrnvar& left,
-                   const vrnvar& right) {
+void combine_mixed(vrn_fault_place place, vrnvar_shared& slot, vrnvar_shared& spare,
+                   const vrnvar& left, const vrnvar& right) {
   const vrn_type type = std::max(left.type, right.type);
   if (type == vrn_type::integer) {
     set_number(slot, spare, of_integers<Operation>(left, right), type);
   } else if (type == vrn_type::floating) {
     set_number(slot, spare, of_floats<Operation>(left, right), type);
   } else if (type == vrn_type::string && Operation::opcode == op_add) {
-    concatenate(slot, left, right);
+    concatenate(place, slot, left, right);
   } else {
-    Operation::invalid_type(type);
+    Operation::invalid_type(place, type);
   }
 }
 
 template <class Operation>
-std::uint32_t arithmetic(vrn_vm_context& context, std::byte*) {
+std::uint32_t arithmetic(vrn_vm_context& context, std::byte* record) {
   vrnvar_shared right = pop(context);
   vrnvar_shared& slot = top(context);
   const vrnvar* const r = deref_value(right.get());
@@ -252,7 +267,8 @@ std::uint32_t arithmetic(vrn_vm_context& context, std::byte*) {
     const double result = Operation::of(l->as_float(), r->as_float());
     set_number(slot, right, std::bit_cast<std::uint64_t>(result), vrn_type::floating);
   } else {
-    combine_mixed<Operation>(slot, right, l ? *l : nothing(), r ? *r : nothing());
+    combine_mixed<Operation>({context, record}, slot, right, l ? *l : nothing(),
+                             r ? *r : nothing());
   }
   return size_of<Operation::opcode>;
 }
@@ -302,16 +318,16 @@ std::uint32_t handle_op_call_native(vrn_vm_context& context, std::byte* record) 
   return size_of<op_call_native>;
 }
 
-std::uint32_t handle_op_call(vrn_vm_context& context, std::byte*) {
+std::uint32_t handle_op_call(vrn_vm_context& context, std::byte* record) {
   const vrnvar* const value = top_value(context);
   auto* const payload =
       value && value->type == vrn_type::function ? value->as<vrnvar_ptr_function>() : nullptr;
   vrn_program_block_routine* const routine = payload ? payload->routine.get() : nullptr;
   if (!routine) {
-    runtime_error_not_a_function();
+    runtime_error_not_a_function({context, record});
   } else if (routine->active) {
     // Not recursively either, deliberately: a routine has one set of variables.
-    runtime_error_parallel();
+    runtime_error_parallel({context, record});
   } else {
     context.task->call_stack.push_back(routine->handle());
     routine->active = true;

@@ -52,6 +52,11 @@ struct vrnscript_state {
   vrn_function_table functions;
   vrn_functions_end functions_end{functions, logger};
   vrn_value_pools pools{mutex};
+  vrn_report_callback on_report;
+
+  // Where the exception that ends a task was thrown; the routine is empty when that was in none.
+  vrnptr<vrn_program_block_routine> thrown_in;
+  std::uint32_t thrown_at = 0;  // offset into the code
 };
 
 // A pool of the calling thread's interpreter, or null when the thread has none.

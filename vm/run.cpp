@@ -15,6 +15,7 @@
 
 #include "compiler/instruction.hpp"
 #include "vm/handlers.hpp"
+#include "vm/interpreter_state.hpp"
 
 namespace vorn {
 namespace {
@@ -111,10 +112,17 @@ std::uint32_t run(vrn_program_block_routine& routine, vrn_task& task) {
 
   std::byte* at = position.at();
   std::byte* const end = position.end();
-  while (at < end) {
-    if (stop != run_status::go_on) break;
-    at += handlers[read_field<std::uint32_t>(at, 0)](context, at);
-    ++count;
+  try {
+    while (at < end) {
+      if (stop != run_status::go_on) break;
+      at += handlers[read_field<std::uint32_t>(at, 0)](context, at);
+      ++count;
+    }
+  } catch (...) {
+    vrnscript_state& state = current_script->state();
+    state.thrown_in = routine.handle();
+    state.thrown_at = static_cast<std::uint32_t>(at - routine.instructions().data());
+    throw;
   }
 
   if (count > 0) log_speed(count, clock.monotonic_ns() - start);

@@ -4,38 +4,66 @@
 
 #include <vornscript/log.hpp>
 
+#include "compiler/run_report.hpp"
+
 namespace vorn {
 namespace {
 
 constexpr std::string_view rule = "------------------------------------------------------------";
 
-void framed(std::string_view message, std::string_view type = {}) {
-  log_line(vrn_log_level::error, "Runtime Error ***\n", rule, "\n", message, type, "\n", rule);
+void tell(vrn_fault_place place, std::string_view message, std::string_view type = {}) {
+  vrn_program_block_routine& routine = *place.context.block;
+  const auto at = static_cast<std::size_t>(place.record - routine.instructions().data());
+  report_run(vrn_report_kind::runtime, *place.context.task, &routine, at, message, type);
 }
 
-void framed(std::string_view message, vrn_type type) {
+void framed(vrn_fault_place place, std::string_view message, std::string_view type = {}) {
+  log_line(vrn_log_level::error, "Runtime Error ***\n", rule, "\n", message, type, "\n", rule);
+  tell(place, message, type);
+}
+
+void framed(vrn_fault_place place, std::string_view message, vrn_type type) {
   const char byte = static_cast<char>(type);
-  framed(message, std::string_view(&byte, 1));
+  framed(place, message, std::string_view(&byte, 1));
+}
+
+void plain(vrn_fault_place place, std::string_view message) {
+  log_line(vrn_log_level::error, message);
+  tell(place, message);
 }
 
 }  // namespace
 
-void runtime_error_no_parent() { framed("Critical runtime error, parent doesnt exist!"); }
-void runtime_error_out_of_bounds() { framed("Critical runtime error, index out of bounds!"); }
-void runtime_error_invalid_variable() { framed("invalid variable."); }
-void runtime_error_text_too_long() { framed("String is too long."); }
-
-void runtime_error_negate(vrn_type type) { framed("Cannot negate type ", type); }
-void runtime_error_add(vrn_type type) { framed("Add invalid type: ", type); }
-void runtime_error_sub(vrn_type type) { framed("Sub invalid type: ", type); }
-void runtime_error_mul(vrn_type type) { framed("Mult invalid type: ", type); }
-void runtime_error_div(vrn_type type) { framed("Div invalid type: ", type); }
-
-void runtime_error_parallel() {
-  log_line(vrn_log_level::error, "Parallelism not implemented yet!");
+void runtime_error_no_parent(vrn_fault_place place) {
+  framed(place, "Critical runtime error, parent doesnt exist!");
 }
-void runtime_error_not_a_function() {
-  log_line(vrn_log_level::error, "Runtime error not a function!");
+void runtime_error_out_of_bounds(vrn_fault_place place) {
+  framed(place, "Critical runtime error, index out of bounds!");
+}
+void runtime_error_invalid_variable(vrn_fault_place place) { framed(place, "invalid variable."); }
+void runtime_error_text_too_long(vrn_fault_place place) { framed(place, "String is too long."); }
+
+void runtime_error_negate(vrn_fault_place place, vrn_type type) {
+  framed(place, "Cannot negate type ", type);
+}
+void runtime_error_add(vrn_fault_place place, vrn_type type) {
+  framed(place, "Add invalid type: ", type);
+}
+void runtime_error_sub(vrn_fault_place place, vrn_type type) {
+  framed(place, "Sub invalid type: ", type);
+}
+void runtime_error_mul(vrn_fault_place place, vrn_type type) {
+  framed(place, "Mult invalid type: ", type);
+}
+void runtime_error_div(vrn_fault_place place, vrn_type type) {
+  framed(place, "Div invalid type: ", type);
+}
+
+void runtime_error_parallel(vrn_fault_place place) {
+  plain(place, "Parallelism not implemented yet!");
+}
+void runtime_error_not_a_function(vrn_fault_place place) {
+  plain(place, "Runtime error not a function!");
 }
 
 }  // namespace vorn

@@ -3,10 +3,12 @@
 #include <exception>
 #include <memory>
 #include <sstream>
+#include <string_view>
 
 #include <vornscript/log.hpp>
 #include <vornscript/task.hpp>
 
+#include "compiler/run_report.hpp"
 #include "vm/interpreter_state.hpp"
 #include "vm/run.hpp"
 
@@ -51,9 +53,22 @@ void end(vrn_task& task) noexcept {
   }
 }
 
+// What the callback throws is dropped: there is no run that it could end.
+void report_task(vrn_task& task, std::string_view message,
+                 const vrn_program_block_routine* routine = nullptr, std::size_t at = 0) try {
+  report_run(vrn_report_kind::task, task, routine, at, message);
+} catch (...) {
+}
+
+void refuse(vrn_task& task) {
+  constexpr std::string_view message = "Cannot run task!";
+  log_line(vrn_log_level::error, message);
+  report_task(task, message);
+}
+
 bool cannot_run(vrn_task& task) {
   end(task);
-  log_line(vrn_log_level::error, "Cannot run task!");
+  refuse(task);
   return false;
 }
 
@@ -66,9 +81,12 @@ bool finished(vrn_task& task) {
 void fail(vrn_task& task, const char* reason) {
   end(task);
   log_line(vrn_log_level::error, "Task failed: ", reason);
+  const vrnscript_state& state = current_script->state();
+  report_task(task, reason, state.thrown_in.get(), state.thrown_at);
 }
 
 void run_due_task(vrn_task& task) {
+  current_script->state().thrown_in.clear();
   try {
     if (task_continue(task)) schedule(task, 0);
   } catch (const std::exception& exception) {
@@ -105,8 +123,7 @@ vrn_ref<vrn_task> task_create(const vrn_program& program) {
 
 void task_run(vrn_task& task, std::int64_t delay_ms) {
   if (task.active || !top_routine(task)) {
-    log_line(vrn_log_level::error, "Cannot run task!");
-    return;
+    return refuse(task);
   }
   if (task.pending_calls != 0) {
     log_line(vrn_log_level::error, "TODO: Cleanup old routine data here!");

@@ -25,6 +25,7 @@
 namespace vorn {
 
 class vrn_ast;
+struct vrn_ast_statement;
 
 // The hash of every table keyed by name: 64-bit XXH3, seed 0, the library's default secret.
 struct vrn_hasher {
@@ -96,6 +97,11 @@ class vrn_program_block_routine final
   std::shared_ptr<std::vector<std::shared_ptr<vrn_program_block_routine>>> children;
   std::shared_ptr<std::vector<std::string>> strings;
   std::shared_ptr<name_map> names;
+
+  // Where the code of each statement ends, and the statements themselves, which keep their tree.
+  // Empty unless reports go to a callback.
+  std::vector<std::uint32_t> statement_ends;
+  std::shared_ptr<const vrn_ast_statement> statements;
 
   // A variable's value is made once and never replaced: instructions carry its address.
   std::vector<vrnvar_shared> variables;

@@ -18,6 +18,7 @@
 #include <vornscript/program_block.hpp>
 #include <vornscript/program_loader.hpp>
 #include <vornscript/ref.hpp>
+#include <vornscript/report.hpp>
 #include <vornscript/std_function.hpp>
 #include <vornscript/task.hpp>
 #include <vornscript/thread_state.hpp>

@@ -11,6 +11,7 @@
 #include <vornscript/filesys.hpp>
 #include <vornscript/log.hpp>
 #include <vornscript/native.hpp>
+#include <vornscript/report.hpp>
 #include <vornscript/std_function.hpp>
 #include <vornscript/thread_state.hpp>
 
@@ -24,6 +25,13 @@ struct vrnscript_config {
   bool add_std_functions = true;              // whether scripts have the built-in functions
   std::string thread_name = {};               // becomes the calling thread's name
   std::shared_ptr<vrn_clock> clock = {};      // empty: the system's
+
+  // Called for every report beside its line in the log, whatever the logger's mask says: framed
+  // ones, faults of running scripts, tasks that fail or cannot run. On the interpreter's thread;
+  // may do what a native function may. What it throws: in a running script counts as thrown by a
+  // native function there; while a script is loaded becomes an error line and ends the load; is
+  // dropped in a report of kind `task`.
+  vrn_report_callback on_report = {};
 };
 
 // Makes an interpreter the thread's own for as long as it lives.
@@ -86,6 +94,7 @@ class alignas(64) vrnscript final : private vrn_thread_binding {
   vrn_log_base& logger() const;
   vrn_filesys& filesys() const;
   const vrn_clock& clock() const;
+  const vrn_report_callback& on_report() const;
 
   vrnscript_state& state() const { return *state_; }
 

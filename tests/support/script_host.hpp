@@ -63,10 +63,11 @@ struct script_host {
     return log->texts(vrn_log_level::out);
   }
 
+  vrn_report_callback on_report = {};
   std::shared_ptr<collecting_log> log = std::make_shared<collecting_log>();
   std::shared_ptr<memory_filesys> files = std::make_shared<memory_filesys>();
   std::shared_ptr<manual_clock> clock = std::make_shared<manual_clock>();
-  vrnscript script{{files, log, true, "TEST", clock}};
+  vrnscript script{{files, log, true, "TEST", clock, on_report}};
   vrn_program_loader loader{script};
 };
 
