@@ -143,7 +143,7 @@ void schedule(vrn_task& task, std::int64_t delay_ms) {
   if (task.scheduled || !current_script) return;
   vrnscript_state& state = current_script->state();
   task.due_ms = due_time(state.clock->wall_ms(), delay_ms);
-  state.tasks.push(vrn_ref<vrn_task>(&task));
+  state.tasks.push(task);
   task.scheduled = true;
 }
 

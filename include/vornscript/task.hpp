@@ -22,6 +22,7 @@ struct vrn_task {
   std::vector<vrnptr<vrn_program_block_routine>> call_stack;  // outermost first
   std::vector<vrnvar_shared> value_stack;
   std::uint32_t pending_calls = 0;
+  std::uint32_t place = 0xFFFFFFFF;  // among the tasks that the interpreter holds
   std::vector<std::vector<vrnvar_shared>> argument_frames;  // those above the depth are spare
   std::uint32_t frame_depth = 0;
   std::uint64_t start = 0;  // the number of its last start, which no other of the interpreter has
