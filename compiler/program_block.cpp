@@ -5,6 +5,7 @@
 #include <array>
 
 #include "compiler/instruction.hpp"
+#include "vm/running_task.hpp"
 
 namespace vorn {
 namespace {
@@ -78,6 +79,10 @@ vrn_program_block_root::vrn_program_block_root()
     : vrn_program_block_base(vrn_block_kind::root, nullptr),
       main(std::make_shared<vrn_program_block_routine>(this)) {}
 
-vrn_program_block_root::~vrn_program_block_root() = default;
+vrn_program_block_root::~vrn_program_block_root() {
+  if (!main) return;
+  if (vrn_running_task* const running = vrn_running_task::on_this_thread) running->keep(*this);
+  if (main) main->parent = nullptr;
+}
 
 }  // namespace vorn

@@ -64,8 +64,12 @@ vrnscript::~vrnscript() {
 void vrnscript::tick() {
   if (!check_thread(*this, "tick()")) return;
   const vrn_interpreter_lock lock(state_->mutex);
-  run_due_tasks(*state_);
-  state_->pools.drain();
+  if (run_due_tasks(*state_)) state_->pools.drain();
+}
+
+std::optional<std::uint64_t> vrnscript::next_due_ms() const {
+  if (!check_thread(*this, "next_due_ms()") || state_->tasks.empty()) return {};
+  return state_->tasks.next_due();
 }
 
 void vrnscript::register_std_function(std::string_view name, vrn_native callable,

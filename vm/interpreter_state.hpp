@@ -44,6 +44,7 @@ struct vrn_functions_end {
 struct vrnscript_state {
   vrn_task_heap tasks;
   std::uint64_t starts = 0;  // how many tasks have been started
+  bool ticking = false;
   std::shared_ptr<vrn_log_base> logger;
   std::shared_ptr<vrn_filesys> filesys;
   std::shared_ptr<vrn_clock> clock;

@@ -4,13 +4,16 @@
 #include <memory>
 #include <sstream>
 #include <string_view>
+#include <utility>
 
 #include <vornscript/log.hpp>
+#include <vornscript/std_function.hpp>
 #include <vornscript/task.hpp>
 
 #include "compiler/run_report.hpp"
 #include "vm/interpreter_state.hpp"
 #include "vm/run.hpp"
+#include "vm/running_task.hpp"
 
 namespace vorn {
 namespace {
@@ -39,10 +42,20 @@ bool can_go_on(const vrn_program_block_routine& routine, const vrn_task& task) {
          (task.frame_depth == 0 || routine.entered_by == task.start);
 }
 
+// The task no longer waits; what held it while it did.
+vrn_ref<vrn_task> stop_waiting(vrn_task& task) noexcept {
+  task.scheduled = task.parked = false;
+  return current_script ? current_script->state().tasks.remove(task) : vrn_ref<vrn_task>();
+}
+
 // The task ends. Routines that it leaves in the middle are over, since nobody has what they had on
-// the stacks; those that it has not begun, or that another task is in, stay as they are.
-void end(vrn_task& task) noexcept {
-  task.active = false;
+// the stacks; those that it has not begun, or that another task is in, stay as they are. What
+// throws at a task's last line lets it fail when it has ended already.
+void end(vrn_task& task, vrn_task_outcome outcome) noexcept {
+  task.outcome = outcome;
+  task.cancelling = false;
+  if (!std::exchange(task.active, false)) return;
+  if (task.parked) stop_waiting(task);
   for (const auto& handle : task.call_stack) {
     vrn_program_block_routine* const routine = handle.get();
     if (!routine || !routine->active || routine->entered_by != task.start) continue;
@@ -66,96 +79,45 @@ void refuse(vrn_task& task) {
   report_task(task, message);
 }
 
+// Leaves the outermost routine alone on the call stack.
+void cut(vrn_task& task) noexcept {
+  if (task.call_stack.size() > 1) {
+    task.call_stack.erase(task.call_stack.begin() + 1, task.call_stack.end());
+  }
+  task.pending_calls = 0;
+}
+
 bool cannot_run(vrn_task& task) {
-  end(task);
+  end(task, vrn_task_outcome::refused);
   refuse(task);
   return false;
 }
 
 bool finished(vrn_task& task) {
-  end(task);
+  end(task, vrn_task_outcome::finished);
   log_task(task, " finished.");
   return false;
 }
 
 void fail(vrn_task& task, const char* reason) {
-  end(task);
+  end(task, vrn_task_outcome::failed);
   log_line(vrn_log_level::error, "Task failed: ", reason);
   const vrnscript_state& state = current_script->state();
   report_task(task, reason, state.thrown_in.get(), state.thrown_at);
 }
 
-void run_due_task(vrn_task& task) {
-  current_script->state().thrown_in.clear();
-  try {
-    if (task_continue(task)) schedule(task, 0);
-  } catch (const std::exception& exception) {
-    fail(task, exception.what());
-  } catch (...) {
-    fail(task, "unknown exception");
-  }
-}
-
-// Due times never wrap: they stop at 0, and no delay reaches the other end.
-std::uint64_t due_time(std::uint64_t now, std::int64_t delay) {
-  const std::uint64_t due = now + static_cast<std::uint64_t>(delay);
-  return delay < 0 && due > now ? 0 : due;
-}
-
-}  // namespace
-
-void release_last(vrn_task* task) noexcept {
-  const std::unique_ptr<vrn_task> owned(task);
-  if (task->active) end(*task);
-}
-
-vrn_ref<vrn_task> task_create(vrnptr<vrn_program_block_routine>&& routine) {
-  auto task = std::make_unique<vrn_task>();
-  task->call_stack.push_back(routine);
-  routine.clear();
-  return vrn_ref<vrn_task>(task.release());
-}
-
-vrn_ref<vrn_task> task_create(const vrn_program& program) {
-  return task_create(program && program->main ? program->main->handle()
-                                              : vrnptr<vrn_program_block_routine>());
-}
-
-void task_run(vrn_task& task, std::int64_t delay_ms) {
-  if (task.active || !top_routine(task)) {
-    return refuse(task);
-  }
-  if (task.pending_calls != 0) {
-    log_line(vrn_log_level::error, "TODO: Cleanup old routine data here!");
-  }
-  task.pending_calls = 0;
-  task.frame_depth = 0;
-  task.start = ++current_script->state().starts;
-  task.value_stack.clear();
-  task.value_stack.resize(1);
-  log_task(task, " scheduled (eta: ", delay_ms, ").");
-  schedule(task, delay_ms);
-  // Last, so that a start that runs out of memory can be repeated.
-  task.active = true;
-}
-
-void schedule(vrn_task& task, std::int64_t delay_ms) {
-  if (task.scheduled || !current_script) return;
-  vrnscript_state& state = current_script->state();
-  task.due_ms = due_time(state.clock->wall_ms(), delay_ms);
-  state.tasks.push(task);
-  task.scheduled = true;
-}
-
-bool task_continue(vrn_task& task) {
+bool go_on(vrn_task& task) {
   if (!task.active) {
     log_line(vrn_log_level::error, "task_continue called while the task was not active!");
     return false;
   }
+  if (task.parked) stop_waiting(task);
   for (;;) {
     vrn_program_block_routine* const routine = top_routine(task);
     if (!routine || !can_go_on(*routine, task)) return cannot_run(task);
-    switch (run(*routine, task)) {
+    const std::uint32_t status = run(*routine, task);
+    if (task.cancelling) return false;
+    switch (status) {
       case run_status::go_on:
       case run_status::reserved:
       case run_status::called:
@@ -173,19 +135,142 @@ bool task_continue(vrn_task& task) {
         log_line(vrn_log_level::error, "TODO: HANDLE RETURN!");
         return false;
       default:
-        return true;
+        return !task.parked;
     }
   }
 }
 
-void run_due_tasks(vrnscript_state& state) {
-  if (state.tasks.empty()) return;
+void run_due_task(vrn_task& task) {
+  const vrn_running_task running(task);
+  current_script->state().thrown_in.clear();
+  try {
+    if (go_on(task)) schedule(task, 0);
+  } catch (const std::exception& exception) {
+    fail(task, exception.what());
+  } catch (...) {
+    fail(task, "unknown exception");
+  }
+}
+
+// Due times never wrap: they stop at 0, and no delay reaches the other end.
+std::uint64_t due_time(std::uint64_t now, std::int64_t delay) {
+  const std::uint64_t due = now + static_cast<std::uint64_t>(delay);
+  return delay < 0 && due > now ? 0 : due;
+}
+
+void make_due(vrn_task& task, std::int64_t delay) {
+  vrnscript_state& state = current_script->state();
+  task.due_ms = due_time(state.clock->wall_ms(), delay);
+  state.tasks.push(task);
+  task.scheduled = true;
+}
+
+// Sets a flag for as long as it lives.
+class raised {
+ public:
+  explicit raised(bool& flag) : flag_(flag) { flag_ = true; }
+  ~raised() { flag_ = false; }
+  raised(const raised&) = delete;
+  raised& operator=(const raised&) = delete;
+
+ private:
+  bool& flag_;
+};
+
+}  // namespace
+
+void release_last(vrn_task* task) noexcept {
+  const std::unique_ptr<vrn_task> owned(task);
+  task->parked = false;  // the interpreter does not hold it
+  end(*task, vrn_task_outcome::none);
+}
+
+vrn_ref<vrn_task> task_create(vrnptr<vrn_program_block_routine>&& routine) {
+  auto task = std::make_unique<vrn_task>();
+  task->call_stack.push_back(routine);
+  routine.clear();
+  return vrn_ref<vrn_task>(task.release());
+}
+
+vrn_ref<vrn_task> task_create(const vrn_program& program) {
+  return task_create(program && program->main ? program->main->handle()
+                                              : vrnptr<vrn_program_block_routine>());
+}
+
+void task_run(vrn_task& task, std::int64_t delay_ms) {
+  if (task.active || !top_routine(task)) {
+    if (!task.active) task.outcome = vrn_task_outcome::refused;
+    return refuse(task);
+  }
+  if (task.pending_calls != 0) {
+    log_line(vrn_log_level::error, "TODO: Cleanup old routine data here!");
+  }
+  task.pending_calls = 0;
+  task.frame_depth = 0;
+  task.start = ++current_script->state().starts;
+  task.value_stack.clear();
+  task.value_stack.resize(1);
+  log_task(task, " scheduled (eta: ", delay_ms, ").");
+  schedule(task, delay_ms);
+  // Last, so that a start that runs out of memory can be repeated.
+  task.outcome = vrn_task_outcome::none;
+  task.active = true;
+}
+
+void schedule(vrn_task& task, std::int64_t delay_ms) {
+  if (!task.scheduled && current_script) make_due(task, delay_ms);
+}
+
+bool task_wake(vrn_task& task, std::int64_t delay_ms) {
+  if (!task.active || !current_script || !current_script->state().tasks.holds(task)) return false;
+  make_due(task, delay_ms);
+  return true;
+}
+
+void task_park(const vrn_vm_context& context) {
+  vrn_task& task = *context.task;
+  current_script->state().tasks.park(task);
+  task.parked = true;
+  *context.stop_flag = run_status::waiting;
+}
+
+void task_cancel(vrn_task& task) noexcept {
+  if (task.active && current_task() == &task) {
+    task.cancelling = true;
+    return;
+  }
+  const vrn_ref<vrn_task> held = stop_waiting(task);
+  if (!task.active) return;
+  end(task, vrn_task_outcome::cancelled);
+  task.value_stack.clear();
+  task.argument_frames.clear();
+  task.frame_depth = 0;
+  cut(task);
+}
+
+bool task_continue(vrn_task& task) {
+  if (current_task()) {
+    log_line(vrn_log_level::error, "task_continue called inside a run!");
+    return false;
+  }
+  const vrn_running_task running(task);
+  return go_on(task);
+}
+
+bool run_due_tasks(vrnscript_state& state) {
+  if (state.ticking || current_task()) {
+    log_line(vrn_log_level::error, "tick() called inside a ", state.ticking ? "tick!" : "run!");
+    return false;
+  }
+  if (state.tasks.empty()) return true;
+  const raised ticking(state.ticking);
   const std::uint64_t now = state.clock->wall_ms();
   while (!state.tasks.empty() && state.tasks.next_due() <= now) {
     const vrn_ref<vrn_task> task = state.tasks.pop();
     task->scheduled = false;
     run_due_task(*task);
   }
+  return true;
 }
 
 }  // namespace vorn

@@ -6,7 +6,7 @@ namespace vorn {
 struct vrnscript_state;
 
 // Runs every task that is due, in the order of their due times. Called under the interpreter's
-// lock.
-void run_due_tasks(vrnscript_state& state);
+// lock. Refused with a line, and false, while it is going on or a task is running.
+bool run_due_tasks(vrnscript_state& state);
 
 }  // namespace vorn

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <list>
 #include <memory>
 #include <optional>
 #include <set>
@@ -52,7 +53,8 @@ class vrn_program_block_base {
   vrn_program_block_base& operator=(const vrn_program_block_base&) = delete;
 
   const vrn_block_kind kind;
-  vrn_program_block_base* const parent;  // null for a root; outlives this block
+  // Null for a root, and for a main routine that has outlived its root; all others outlive this.
+  vrn_program_block_base* parent;
 
  protected:
   vrn_program_block_base(vrn_block_kind block_kind, vrn_program_block_base* enclosing)
@@ -105,9 +107,9 @@ class vrn_program_block_routine final
 
   // A variable's value is made once and never replaced: instructions carry its address.
   std::vector<vrnvar_shared> variables;
-  std::uint32_t parameter_count = 0xFFFFFFFF;
-  std::uint32_t saved_pc = 0;  // offset into the code
-  bool active = false;         // entered, and not yet run to its end
+  std::uint32_t parameter_count = 0xFFFFFFFF;  // all ones for a main routine
+  std::uint32_t saved_pc = 0;                  // offset into the code
+  bool active = false;                         // entered, and not yet run to its end
 
   // The start of a task (see vrn_task) that entered this routine last, and how deep that task's
   // stacks were when it stopped in the middle.
@@ -127,9 +129,15 @@ class vrn_program_block_root final : public vrn_program_block_base,
 
   std::shared_ptr<vrn_ast> ast;
   std::shared_ptr<vrn_program_block_routine> main;
+
+ private:
+  friend class vrn_running_task;
+  // Ready to keep the main routine, so that keeping it needs no memory.
+  std::list<std::shared_ptr<vrn_program_block_routine>> keeper_{1};
 };
 
-// A whole program, as the loader returns it.
+// A whole program, as the loader returns it. May be released at any time on its interpreter's
+// thread. While one of its routines is being run, that goes on to where the task waits or ends.
 using vrn_program = std::shared_ptr<vrn_program_block_root>;
 
 }  // namespace vorn

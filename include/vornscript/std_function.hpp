@@ -25,8 +25,9 @@ struct vrn_vm_context {
 
 // Gets the call's arguments, which share the caller's values: changing one changes the caller's
 // variable. Never called with fewer or more arguments than were registered. The result is the
-// call's value; an empty handle leaves the caller without one. An exception ends the task. It must
-// not call tick(), nor release the interpreter or the program that is running.
+// call's value; an empty handle leaves the caller without one. An exception ends the task. It may
+// load, start, wake, cancel and release what it likes, also the program that is running, but not
+// the interpreter; calls of tick() are refused.
 using vrn_native =
     std::function<vrnvar_shared(vrn_vm_context& context, std::vector<vrnvar_shared>& arguments)>;
 

@@ -1,5 +1,6 @@
 // Tasks: scripts being run. An interpreter's tasks run on its thread, inside vrnscript::tick(), and
-// take turns: each goes on until it ends or waits.
+// take turns: each goes on until it ends or waits. All calls here are for that thread, and may also
+// be made by native functions within a run; a task's handle may not be used on another.
 #pragma once
 
 #include <cstdint>
@@ -12,13 +13,31 @@
 
 namespace vorn {
 
-// One thread of a script. Held by vrn_ref handles: the host's, the scheduler's while the task is
-// due or waiting, and the running tick's. Release a host's handles before the interpreter.
+struct vrn_vm_context;
+
+enum class vrn_task_outcome : std::uint8_t {
+  none,       // not started, or not ended
+  finished,   // its code has run to its end
+  failed,     // something threw while it ran
+  cancelled,  // by task_cancel
+  refused,    // there was nothing that it could run, or go on with
+};
+
+// One thread of a script. Held by vrn_ref handles: the host's, the interpreter's while the task is
+// due, waiting or parked, and the running tick's. Release a host's handles before the interpreter.
+//
+// A task is not active until task_run starts it, and active until it ends; then its outcome says
+// how. In between it is due or waiting (scheduled), parked, running, or none of these: stuck, after
+// a run that stopped with the reserved status 4, or that threw into a host which had called
+// task_continue itself.
 struct vrn_task {
-  bool scheduled = false;
+  bool scheduled = false;    // it has a due time, at which the interpreter runs it
   std::uint64_t due_ms = 0;  // wall clock, milliseconds since 1970-01-01
   std::uint32_t reference_count = 0;
-  bool active = false;                                        // from task_run until the task ends
+  bool active = false;  // from task_run until the task ends
+  vrn_task_outcome outcome = vrn_task_outcome::none;
+  bool parked = false;                                        // from task_park until it runs again
+  bool cancelling = false;                                    // ends where the present run stops
   std::vector<vrnptr<vrn_program_block_routine>> call_stack;  // outermost first
   std::vector<vrnvar_shared> value_stack;
   std::uint32_t pending_calls = 0;
@@ -36,15 +55,39 @@ vrn_ref<vrn_task> task_create(vrnptr<vrn_program_block_routine>&& routine);
 vrn_ref<vrn_task> task_create(const vrn_program& program);
 
 // Starts the task: it becomes due `delay_ms` from now. One that is active already, or that has no
-// live routine, is refused with a line in the log. A routine that another task is in the middle of
-// is gone on with where it stands, if this task's stacks are as deep as the code there needs them;
-// else the task ends with the same line when it is due.
+// live routine, is refused with a line in the log; the former goes on as if nothing had been asked.
+// A routine that another task is in the middle of is gone on with where it stands, if this task's
+// stacks are as deep as the code there needs them; else the task ends with the same line when it is
+// due. A task that has ended may be started again, unless its call stack has become empty.
 void task_run(vrn_task& task, std::int64_t delay_ms);
 
 // Makes the task due `delay_ms` from now, unless it is scheduled already.
 void schedule(vrn_task& task, std::int64_t delay_ms);
 
+// Makes a task that waits or is parked due `delay_ms` from now, earlier or later than it was.
+// False, and nothing done, for any other. Throws only what the clock throws.
+bool task_wake(vrn_task& task, std::int64_t delay_ms = 0);
+
+// For native functions, with the context that they are given: the run stops after the call, and the
+// task waits until task_wake or schedule gives it a due time, or task_cancel ends it. It counts as
+// waiting from here on: a wake that comes before the native function returns is not lost, and a due
+// time that it has been given stands. Until then, or the interpreter's end, the interpreter holds
+// the task, whoever else does.
+void task_park(const vrn_vm_context& context);
+
+// Ends an active task, without a line in the log: lets its values go, cuts its call stack to the
+// outermost routine and puts the routines that it is in at their end. One that is running goes on
+// to where its present run stops; if that throws before, the task has failed instead. Nothing
+// happens to a task that is not active, except that it is no longer scheduled. The interpreter's
+// handle is let go, so hold one of your own.
+void task_cancel(vrn_task& task) noexcept;
+
+// The task that is running on this thread, null while there is none. Also in what its run calls:
+// native functions, loggers, clocks.
+vrn_task* current_task() noexcept;
+
 // Runs the task until it waits, ends or fails; true when it wants to run again. Called by tick().
+// Within a run it does nothing but an error line. The caller holds the task.
 bool task_continue(vrn_task& task);
 
 }  // namespace vorn

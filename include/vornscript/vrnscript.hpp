@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -60,8 +61,14 @@ class alignas(64) vrnscript final : private vrn_thread_binding {
   ~vrnscript();
 
   // Runs every task that is due, then takes back what other threads have released. A task that
-  // throws is reported in the log and ends; the others go on.
+  // throws is reported in the log and ends; the others go on. A tick within a tick, or within the
+  // run of a task, does nothing but an error line.
   void tick();
+
+  // When the next of the waiting tasks is due, in milliseconds since 1970-01-01 by the wall clock;
+  // empty when none is. An event loop need not tick before then, unless something is woken or
+  // started, or other threads release values.
+  std::optional<std::uint64_t> next_due_ms() const;
 
   // Makes a C++ function, or a copyable object with one operator(), known to scripts that are
   // compiled from now on, in the place of a function that had the name before.

@@ -27,6 +27,13 @@ class scheduler_test : public testing::Test {
     };
     host_.script.register_std_function("status", status, 1, 1);
     host_.script.register_std_function("fail", fail, 1, 1);
+    add("park", [](auto& context) { task_park(context); });
+  }
+
+  // Makes a native function without arguments and result.
+  void add(const char* name, std::function<void(vrn_vm_context&)> work) {
+    host_.script.register_std_function(
+        name, [work](auto& context, auto&) { return work(context), var_none(); }, 0, 0);
   }
 
   // A started task of a program of its own; the programs live as long as the test.
@@ -169,6 +176,162 @@ TEST_F(scheduler_test, tasks_whose_program_has_gone) {
   EXPECT_EQ(tick(5), strings{"3"});
   EXPECT_EQ(errors(), strings{"Cannot run task!"});
   EXPECT_FALSE(waiting->active || waiting->scheduled);
+}
+
+using outcome = vrn_task_outcome;
+
+TEST_F(scheduler_test, outcomes) {
+  const std::pair<const char*, outcome> rows[] = {
+      {"1;", outcome::finished},
+      {"fail('now');", outcome::failed},
+      {"sleep(9);", outcome::none},
+      {"status(4);", outcome::none},
+  };
+  for (const auto& [text, expected] : rows) {
+    const auto task = started(text);
+    tick();
+    EXPECT_EQ(task->outcome, expected) << text;
+    const bool active = task->active;
+    EXPECT_EQ(refused(task), active) << text;
+    EXPECT_EQ(task->outcome, outcome::none) << text;
+  }
+  const auto nothing = task_create(vrn_program());
+  EXPECT_TRUE(refused(nothing));
+  EXPECT_EQ(nothing->outcome, outcome::refused);
+  const auto gone = started("1;");
+  programs_.clear();
+  tick();
+  EXPECT_EQ(gone->outcome, outcome::refused);
+}
+
+// However a task waits, it can be ended without a trace; others may enter the routines it was in.
+TEST_F(scheduler_test, cancelled) {
+  for (const char* text : {"park();", "sleep(9);", "status(8);", "status(4);", "",
+                           "in() { park(); 1 } print(max(1, in()));", "print(1, sleep(9));"}) {
+    const auto task = started(std::string(text) + "print('not reached')");
+    if (*text != 0) tick();
+    host_.log->records.clear();
+    task_cancel(*task);
+    EXPECT_FALSE(task->active || task->scheduled || task->parked) << text;
+    EXPECT_EQ(task->outcome, outcome::cancelled) << text;
+    EXPECT_EQ(task->reference_count, 1U) << text;
+    EXPECT_EQ(task->value_stack.size() + task->argument_frames.size(), 0U) << text;
+    EXPECT_EQ(task->call_stack.size(), 1U) << text;
+    EXPECT_EQ(host_.script.next_due_ms(), std::nullopt) << text;
+    EXPECT_FALSE(task_wake(*task)) << text;
+    programs_.clear();
+    host_.script.tick();
+    EXPECT_TRUE(host_.log->records.empty()) << text;
+  }
+}
+
+TEST_F(scheduler_test, cancelled_by_itself) {
+  add("stop", [](auto& context) { task_cancel(*context.task); });
+  const struct {
+    const char* text;
+    strings printed, errors;
+    outcome how;
+  } rows[] = {
+      {"stop(); print(1); sleep(1); print(2);", {"1"}, {}, outcome::cancelled},
+      {"stop(); print(1); park();", {"1"}, {}, outcome::cancelled},
+      {"two() { print(2) } stop(); print(1); two();", {"1"}, {}, outcome::cancelled},
+      {"stop(); print(1);", {"1"}, {}, outcome::cancelled},
+      {"stop(); fail('now');", {}, {"Task failed: now"}, outcome::failed},
+  };
+  for (const auto& row : rows) {
+    const auto task = started(row.text);
+    EXPECT_EQ(tick(), row.printed) << row.text;
+    EXPECT_EQ(errors(), row.errors) << row.text;
+    EXPECT_EQ(host_.log->texts(vrn_log_level::verbose), strings()) << row.text;
+    EXPECT_EQ(task->outcome, row.how) << row.text;
+    EXPECT_EQ(tick(9), strings()) << row.text;
+    EXPECT_EQ(task->reference_count, 1U) << row.text;
+  }
+}
+
+TEST_F(scheduler_test, woken) {
+  const auto now = [this] { return host_.clock->ms; };
+  const auto sleeper = started("sleep(50); print('slept');");
+  vrn_task* parked = nullptr;
+  {
+    const auto handle = started("park(); print('woken'); park();");
+    parked = handle.get();
+  }
+  EXPECT_TRUE(task_wake(*parked, 7));  // due already, and put off
+  tick();
+  EXPECT_EQ(host_.script.next_due_ms(), now() + 7);
+  tick(7);
+  EXPECT_TRUE(parked->parked && !parked->scheduled);
+  EXPECT_EQ(host_.script.next_due_ms(), sleeper->due_ms);
+  EXPECT_TRUE(task_wake(*sleeper, 60));
+  EXPECT_TRUE(task_wake(*parked));
+  schedule(*parked, -5);  // the time that it has stands
+  EXPECT_EQ(tick(), strings{"woken"});
+  EXPECT_EQ(tick(59), strings());
+  EXPECT_EQ(tick(1), strings{"slept"});
+  EXPECT_FALSE(task_wake(*sleeper));
+  EXPECT_TRUE(parked->parked);
+  EXPECT_EQ(host_.script.next_due_ms(), std::nullopt);
+
+  // Within the native function that parks: woken, given a time before, failed all the same.
+  add("park_woken", [](auto& context) {
+    EXPECT_FALSE(task_wake(*context.task));
+    task_park(context);
+    EXPECT_TRUE(task_wake(*context.task, 1));
+  });
+  add("park_timed", [](auto& context) {
+    schedule(*context.task, 1);
+    task_park(context);
+  });
+  for (const char* name : {"park_woken", "park_timed"}) {
+    const auto task = started(name + std::string("(); print('goes on');"));
+    EXPECT_EQ(tick(), strings());
+    EXPECT_EQ(tick(1), strings{"goes on"});
+  }
+  add("park_and_fail", [](auto& context) {
+    task_park(context);
+    task_wake(*context.task);
+    throw std::runtime_error("now");
+  });
+  const auto failing = started("park_and_fail();");
+  tick();
+  EXPECT_EQ(errors(), strings{"Task failed: now"});
+  EXPECT_EQ(failing->reference_count, 1U);
+}
+
+TEST_F(scheduler_test, runs_within_a_run) {
+  const auto other = started("print('other');", 1);
+  add("nested", [&](auto& context) {
+    EXPECT_EQ(current_task(), context.task);
+    host_.clock->ms += 5;
+    host_.script.tick();
+    EXPECT_FALSE(task_continue(*other));
+  });
+  const auto ticked = started("nested(); fail('now');");
+  EXPECT_EQ(tick(), strings());
+  EXPECT_EQ(errors(), (strings{"tick() called inside a tick!", "task_continue called inside a run!",
+                               "Task failed: now"}));
+  EXPECT_EQ(current_task(), nullptr);
+  EXPECT_EQ(tick(), strings{"other"});
+  const auto continued = started("nested(); fail('now');");
+  host_.log->records.clear();
+  EXPECT_THROW(task_continue(*continued), std::runtime_error);
+  EXPECT_EQ(errors(),
+            (strings{"tick() called inside a run!", "task_continue called inside a run!"}));
+  EXPECT_EQ(current_task(), nullptr);
+  EXPECT_TRUE(continued->active);
+  task_cancel(*continued);
+}
+
+// What runs stays whole until it stops, though the script itself lets it go.
+TEST_F(scheduler_test, programs_released_by_their_own_run) {
+  add("release", [this](auto&) { programs_.clear(); });
+  auto task = started(
+      "x = 'kept'; in() { release(); print(x + ' here') } in(); print(x); sleep(0); print(2);");
+  EXPECT_EQ(tick(), (strings{"kept here", "kept"}));
+  EXPECT_EQ(errors(), strings{"Cannot run task!"});
+  task = {};
+  EXPECT_EQ(live_objects(host_.script), 0U);
 }
 
 }  // namespace
