@@ -5,7 +5,9 @@
 #include <array>
 
 #include "compiler/instruction.hpp"
+#include "vm/payload.hpp"
 #include "vm/running_task.hpp"
+#include "vm/value_access.hpp"
 
 namespace vorn {
 namespace {
@@ -24,6 +26,13 @@ void append_record(vrn_program_block_routine& routine, Fields... fields) {
   ((write_field(record.data(), offset, fields), offset += sizeof fields), ...);
   auto& code = made(routine.code);
   code.insert(code.end(), record.begin(), record.end());
+}
+
+// Nested no deeper than definitions may be.
+void rewind_routine(vrn_program_block_routine& routine) noexcept {
+  if (routine.uses == 0) routine.saved_pc = 0;
+  if (!routine.children) return;
+  for (const auto& child : *routine.children) rewind_routine(*child);
 }
 
 }  // namespace
@@ -47,6 +56,14 @@ std::optional<std::uint32_t> vrn_program_block_routine::find_name(std::string_vi
 vrnvar_shared vrn_program_block_routine::variable(std::string_view name) const {
   const auto index = find_name(name);
   return index ? variables[*index] : vrnvar_shared();
+}
+
+vrnptr<vrn_program_block_routine> vrn_program_block_routine::function(std::string_view name) const {
+  const vrnvar_shared held = variable(name);
+  const vrnvar* const value = deref_value(held.get());
+  if (!value || value->type != vrn_type::function) return {};
+  const auto& routine = value->as<vrnvar_ptr_function>()->routine;
+  return routine.get() ? routine : vrnptr<vrn_program_block_routine>();
 }
 
 std::uint32_t vrn_program_block_routine::add_variable(std::string_view name) {
@@ -83,6 +100,10 @@ vrn_program_block_root::~vrn_program_block_root() {
   if (!main) return;
   if (vrn_running_task* const running = vrn_running_task::on_this_thread) running->keep(*this);
   if (main) main->parent = nullptr;
+}
+
+void program_rewind(const vrn_program& program) noexcept {
+  if (program && program->main) rewind_routine(*program->main);
 }
 
 }  // namespace vorn

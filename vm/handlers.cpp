@@ -332,6 +332,7 @@ std::uint32_t handle_op_call(vrn_vm_context& context, std::byte* record) {
     context.task->call_stack.push_back(routine->handle());
     routine->active = true;
     routine->entered_by = context.task->start;
+    ++routine->uses;
   }
   return size_of<op_call>;
 }

@@ -9,6 +9,7 @@
 namespace vorn {
 namespace {
 
+constexpr std::string_view parallel = "Parallelism not implemented yet!";
 constexpr std::string_view rule = "------------------------------------------------------------";
 
 void tell(vrn_fault_place place, std::string_view message, std::string_view type = {}) {
@@ -59,8 +60,10 @@ void runtime_error_div(vrn_fault_place place, vrn_type type) {
   framed(place, "Div invalid type: ", type);
 }
 
-void runtime_error_parallel(vrn_fault_place place) {
-  plain(place, "Parallelism not implemented yet!");
+void runtime_error_parallel(vrn_fault_place place) { plain(place, parallel); }
+void runtime_error_parallel(vrn_task& task) {
+  log_line(vrn_log_level::error, parallel);
+  report_run(vrn_report_kind::runtime, task, nullptr, 0, parallel);
 }
 void runtime_error_not_a_function(vrn_fault_place place) {
   plain(place, "Runtime error not a function!");

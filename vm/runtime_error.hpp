@@ -30,6 +30,7 @@ void runtime_error_div(vrn_fault_place place, vrn_type type);
 
 // As a plain line:
 void runtime_error_parallel(vrn_fault_place place);
+void runtime_error_parallel(vrn_task& task);  // before its first instruction
 void runtime_error_not_a_function(vrn_fault_place place);
 
 }  // namespace vorn

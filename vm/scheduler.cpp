@@ -14,6 +14,7 @@
 #include "vm/interpreter_state.hpp"
 #include "vm/run.hpp"
 #include "vm/running_task.hpp"
+#include "vm/runtime_error.hpp"
 
 namespace vorn {
 namespace {
@@ -58,7 +59,9 @@ void end(vrn_task& task, vrn_task_outcome outcome) noexcept {
   if (task.parked) stop_waiting(task);
   for (const auto& handle : task.call_stack) {
     vrn_program_block_routine* const routine = handle.get();
-    if (!routine || !routine->active || routine->entered_by != task.start) continue;
+    if (!routine) continue;
+    --routine->uses;
+    if (!routine->active || routine->entered_by != task.start) continue;
     if (routine->saved_pc > 0) {
       routine->saved_pc = static_cast<std::uint32_t>(routine->instructions().size());
     }
@@ -87,6 +90,18 @@ void cut(vrn_task& task) noexcept {
   task.pending_calls = 0;
 }
 
+vrnvar_shared copy_of(const vrnvar_shared& value) {
+  vrnvar_shared copy = var_none();
+  copy->copy_from(value.get());
+  return copy;
+}
+
+// What the code has left last, empty if it has left nothing.
+vrnvar_shared last_value(const vrn_task& task) {
+  if (task.value_stack.empty() || !task.value_stack.back()) return {};
+  return copy_of(task.value_stack.back().deref());
+}
+
 bool cannot_run(vrn_task& task) {
   end(task, vrn_task_outcome::refused);
   refuse(task);
@@ -94,6 +109,8 @@ bool cannot_run(vrn_task& task) {
 }
 
 bool finished(vrn_task& task) {
+  // The next call may change the variable that is the result.
+  if (task.calls) task.value_stack.assign(1, last_value(task));
   end(task, vrn_task_outcome::finished);
   log_task(task, " finished.");
   return false;
@@ -106,6 +123,27 @@ void fail(vrn_task& task, const char* reason) {
   report_task(task, reason, state.thrown_in.get(), state.thrown_at);
 }
 
+std::uint32_t parameters_of(const vrn_program_block_routine& routine) {
+  return routine.parameter_count == 0xFFFFFFFF ? 0 : routine.parameter_count;
+}
+
+// A task that calls a function comes to it for the first time.
+bool enter(vrn_task& task, const vrn_program_block_routine& function) {
+  task.entering = false;
+  if (function.active) {
+    end(task, vrn_task_outcome::refused);
+    runtime_error_parallel(task);
+    return false;
+  }
+  if (function.saved_pc > 0) return true;
+  for (std::uint32_t k = 0; k < parameters_of(function); ++k) {
+    vrnvar& parameter = *function.variables[k];
+    parameter.set_type(vrn_type::none);
+    if (k < task.arguments.size()) parameter.copy_from(task.arguments[k].get());
+  }
+  return true;
+}
+
 bool go_on(vrn_task& task) {
   if (!task.active) {
     log_line(vrn_log_level::error, "task_continue called while the task was not active!");
@@ -114,7 +152,9 @@ bool go_on(vrn_task& task) {
   if (task.parked) stop_waiting(task);
   for (;;) {
     vrn_program_block_routine* const routine = top_routine(task);
-    if (!routine || !can_go_on(*routine, task)) return cannot_run(task);
+    if (!routine) return cannot_run(task);
+    if (task.entering && !enter(task, *routine)) return false;
+    if (!can_go_on(*routine, task)) return cannot_run(task);
     const std::uint32_t status = run(*routine, task);
     if (task.cancelling) return false;
     switch (status) {
@@ -125,6 +165,7 @@ bool go_on(vrn_task& task) {
       case run_status::ended:
         if (task.pending_calls == 0) return finished(task);
         --task.pending_calls;
+        --routine->uses;
         task.call_stack.pop_back();
         // A call that was refused counts as pending all the same, so the outermost routine can be
         // taken off here.
@@ -197,7 +238,29 @@ vrn_ref<vrn_task> task_create(const vrn_program& program) {
                                               : vrnptr<vrn_program_block_routine>());
 }
 
+vrn_ref<vrn_task> task_create(const vrn_program& program, std::string_view function,
+                              const std::vector<vrnvar_shared>& arguments) {
+  vrnptr<vrn_program_block_routine> handle;
+  if (program && program->main) handle = program->main->function(function);
+  const vrn_program_block_routine* const routine = handle.get();
+  if (!routine) {
+    log_line(vrn_log_level::error, "Cannot find function ", function);
+    return {};
+  }
+  if (arguments.size() > parameters_of(*routine)) {
+    log_line(vrn_log_level::error, "Too many arguments for function ", function, " (",
+             arguments.size(), " given, ", parameters_of(*routine), " taken)");
+    return {};
+  }
+  vrn_ref<vrn_task> task = task_create(std::move(handle));
+  task->calls = true;
+  task->arguments.reserve(arguments.size());
+  for (const vrnvar_shared& argument : arguments) task->arguments.push_back(copy_of(argument));
+  return task;
+}
+
 void task_run(vrn_task& task, std::int64_t delay_ms) {
+  if (task.calls && !task.active) cut(task);
   if (task.active || !top_routine(task)) {
     if (!task.active) task.outcome = vrn_task_outcome::refused;
     return refuse(task);
@@ -213,7 +276,11 @@ void task_run(vrn_task& task, std::int64_t delay_ms) {
   log_task(task, " scheduled (eta: ", delay_ms, ").");
   schedule(task, delay_ms);
   // Last, so that a start that runs out of memory can be repeated.
+  for (const auto& handle : task.call_stack) {
+    if (vrn_program_block_routine* const routine = handle.get()) ++routine->uses;
+  }
   task.outcome = vrn_task_outcome::none;
+  task.entering = task.calls;
   task.active = true;
 }
 
@@ -246,6 +313,10 @@ void task_cancel(vrn_task& task) noexcept {
   task.argument_frames.clear();
   task.frame_depth = 0;
   cut(task);
+}
+
+vrnvar_shared task_result(const vrn_task& task) {
+  return task.outcome == vrn_task_outcome::finished ? last_value(task) : vrnvar_shared();
 }
 
 bool task_continue(vrn_task& task) {

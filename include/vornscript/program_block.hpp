@@ -80,6 +80,10 @@ class vrn_program_block_routine final
   // The value of a variable of this block by its name; empty when there is none.
   vrnvar_shared variable(std::string_view name) const;
 
+  // The function that a variable of this block holds at present, as a call of it finds it; empty
+  // when there is no such variable, or it holds no function that is alive.
+  vrnptr<vrn_program_block_routine> function(std::string_view name) const;
+
   // Appends a fresh variable under a name; gives its index.
   std::uint32_t add_variable(std::string_view name);
   // Gives a name an index; a name that is there already gets the new one.
@@ -110,6 +114,8 @@ class vrn_program_block_routine final
   std::uint32_t parameter_count = 0xFFFFFFFF;  // all ones for a main routine
   std::uint32_t saved_pc = 0;                  // offset into the code
   bool active = false;                         // entered, and not yet run to its end
+  // On how many places of the call stacks of tasks that have started and not ended.
+  std::uint32_t uses = 0;
 
   // The start of a task (see vrn_task) that entered this routine last, and how deep that task's
   // stacks were when it stopped in the middle.
@@ -139,5 +145,11 @@ class vrn_program_block_root final : public vrn_program_block_base,
 // A whole program, as the loader returns it. May be released at any time on its interpreter's
 // thread. While one of its routines is being run, that goes on to where the task waits or ends.
 using vrn_program = std::shared_ptr<vrn_program_block_root>;
+
+// Lets every routine of the program begin at its first instruction the next time it is entered,
+// where it would otherwise run only once. Variables keep their values. Routines in use are left as
+// they are: those on the call stack of a task that has started and not ended. Takes time in line
+// with the number of routines; throws nothing. On the interpreter's thread, also within a run.
+void program_rewind(const vrn_program& program) noexcept;
 
 }  // namespace vorn

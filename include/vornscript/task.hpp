@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 #include <vornscript/program_block.hpp>
@@ -44,7 +45,10 @@ struct vrn_task {
   std::uint32_t place = 0xFFFFFFFF;  // among the tasks that the interpreter holds
   std::vector<std::vector<vrnvar_shared>> argument_frames;  // those above the depth are spare
   std::uint32_t frame_depth = 0;
+  bool calls = false;       // made to call a function with arguments
+  bool entering = false;    // and started, but not in that function yet
   std::uint64_t start = 0;  // the number of its last start, which no other of the interpreter has
+  std::vector<vrnvar_shared> arguments;  // of the call
 };
 void release_last(vrn_task* task) noexcept;
 
@@ -53,6 +57,17 @@ vrn_ref<vrn_task> task_create(vrnptr<vrn_program_block_routine>&& routine);
 
 // A task for a program's top-level code; one that cannot be run when the program is empty.
 vrn_ref<vrn_task> task_create(const vrn_program& program);
+
+// A task that will run a function of a program's main routine, the one that the variable of that
+// name holds now. The arguments are copied now, and stored in the parameters right before the
+// function's first instruction; missing ones are `none`, empty handles too. An unknown name, or
+// more arguments than parameters, gives an empty handle and an error line.
+//
+// Code runs once, here too: when the function has run already, the task finishes at once without a
+// result, unless program_rewind has been called since. If another task is in the function when this
+// one becomes due, it is refused with the line "Parallelism not implemented yet!".
+vrn_ref<vrn_task> task_create(const vrn_program& program, std::string_view function,
+                              const std::vector<vrnvar_shared>& arguments = {});
 
 // Starts the task: it becomes due `delay_ms` from now. One that is active already, or that has no
 // live routine, is refused with a line in the log; the former goes on as if nothing had been asked.
@@ -81,6 +96,11 @@ void task_park(const vrn_vm_context& context);
 // happens to a task that is not active, except that it is no longer scheduled. The interpreter's
 // handle is let go, so hold one of your own.
 void task_cancel(vrn_task& task) noexcept;
+
+// A copy of the value that the task's code left last; empty unless the task has finished, or if no
+// code has run. Of a task that calls a function it is the value at the function's end; of others,
+// whose code ended in a variable, what that variable holds now.
+vrnvar_shared task_result(const vrn_task& task);
 
 // The task that is running on this thread, null while there is none. Also in what its run calls:
 // native functions, loggers, clocks.

@@ -269,7 +269,9 @@ TEST_F(scheduler_test, woken) {
   EXPECT_EQ(tick(), strings{"woken"});
   EXPECT_EQ(tick(59), strings());
   EXPECT_EQ(tick(1), strings{"slept"});
+  schedule(*sleeper, 0);  // though it has ended
   EXPECT_FALSE(task_wake(*sleeper));
+  task_cancel(*sleeper);
   EXPECT_TRUE(parked->parked);
   EXPECT_EQ(host_.script.next_due_ms(), std::nullopt);
 
@@ -332,6 +334,96 @@ TEST_F(scheduler_test, programs_released_by_their_own_run) {
   EXPECT_EQ(errors(), strings{"Cannot run task!"});
   task = {};
   EXPECT_EQ(live_objects(host_.script), 0U);
+}
+
+// Calls of functions by the host, each a tick of its own.
+TEST_F(scheduler_test, functions_called_by_name) {
+  programs_.push_back(
+      host_.load("add(a, b) { x = a + b; x } one(a) { print(a); sleep(9); a } empty(a) {}"
+                 "outer() { inner() { fail('now') } print('outer'); inner(); } x = 0; other = add; "
+                 "nothing = 1;"));
+  const vrn_program& program = programs_.back();
+  const auto result = [&](const char* name, const std::vector<vrnvar_shared>& arguments) {
+    host_.log->records.clear();
+    const auto task = task_create(program, name, arguments);
+    if (!task) return errors().back();
+    task_run(*task, 0);
+    EXPECT_FALSE(task_result(*task));
+    tick(), tick(9);
+    const vrnvar_shared value = task_result(*task);
+    return value ? value->to_text() : "empty";
+  };
+  const vrnvar_shared changing = var_int(1);
+  EXPECT_EQ(result("other", {}), "Cannot find function other");  // until the program has run
+  host_.run({program});
+  EXPECT_EQ(result("nothing", {}), "Cannot find function nothing");
+  EXPECT_EQ(result("inner", {}), "Cannot find function inner");
+  EXPECT_EQ(result("empty", {var_int(1)}), "empty");
+  EXPECT_EQ(result("add", {changing, var_int(2), var_none()}),
+            "Too many arguments for function add (3 given, 2 taken)");
+  EXPECT_EQ(result("other", {changing, var_float(2)}), "3.000000");
+  EXPECT_EQ(result("add", {var_int(9), var_int(2)}), "empty");
+  EXPECT_EQ(program->main->function("add").get()->variable("a")->to_text(), "1");
+  program_rewind(program);
+  EXPECT_EQ(result("add", {var_string("text")}), "text");
+  EXPECT_EQ(program->main->function("add").get(), program->main->function("other").get());
+  EXPECT_TRUE(program->main->function("outer").get()->function("inner").get());
+
+  // Arguments and results are copies, also where a variable goes on to change.
+  const auto first = task_create(program, "one", {changing});
+  const auto second = task_create(program, "one", {var_int(7)});
+  changing->set_int(5);
+  task_run(*first, 0);
+  task_run(*second, 1);
+  EXPECT_EQ(tick(), strings{"1"});
+  EXPECT_EQ(tick(1), strings());
+  EXPECT_EQ(errors(), strings{"Parallelism not implemented yet!"});
+  EXPECT_EQ(second->outcome, outcome::refused);
+  tick(9);
+  program_rewind(program);
+  task_run(*second, 0);
+  EXPECT_EQ(tick(), strings{"7"});
+  EXPECT_EQ(task_result(*first)->to_text(), "1");
+
+  // One that failed further in begins at its function again.
+  tick(9);
+  const auto failing = task_create(program, "outer");
+  for (int k = 0; k < 2; ++k) {
+    task_run(*failing, 0);
+    EXPECT_EQ(tick(), strings{"outer"});
+    EXPECT_EQ(errors(), strings{"Task failed: now"});
+    program_rewind(program);
+  }
+}
+
+TEST_F(scheduler_test, rewound) {
+  const struct {
+    const char* text;
+    int runs;
+    strings printed;
+  } rows[] = {
+      {"count = count + 1; print(count);", 3, {"1", "2", "3"}},
+      // Routines in use are left alone, whatever their position.
+      {"wait() { sleep(25); woke = 1; } print('main begins'); wait();", 1, {"main begins"}},
+      {"wait() { sleep(25); } print('main begins'); wait();", 1, {"main begins"}},
+      {"in() { print(1) } in(); rewind(); in(); print(2);", 1, {"1", "1", "2"}},
+      {"in() { deep() { print(1) } deep(); } in(); rewind(); in();", 1, {"1", "1"}},
+  };
+  add("rewind", [this](auto&) { program_rewind(programs_.back()); });
+  for (const auto& row : rows) {
+    auto task = started(row.text);
+    strings printed;
+    for (int k = 0; k < row.runs; ++k) {
+      for (int ticks = 0; task->active && ticks < 9; ++ticks) {
+        const strings lines = tick(5);
+        printed.insert(printed.end(), lines.begin(), lines.end());
+        program_rewind(programs_.back());
+      }
+      task_run(*task, 0);
+    }
+    EXPECT_EQ(printed, row.printed) << row.text;
+    task_cancel(*task);
+  }
 }
 
 }  // namespace
