@@ -43,8 +43,9 @@ T to_integral(const vrnvar& given) {
     return given.get_int() != 0;
   } else if (given.type == vrn_type::floating) {
     const double number = given.as_float();
-    // One more than the largest, which a double need not be able to hold.
-    constexpr double end = 2.0 * static_cast<double>(limits::max() / 2 + 1);
+    // The end is one more than the largest, which a double need not be able to hold.
+    constexpr auto half = limits::max() / 2 + 1;
+    constexpr double end = 2.0 * static_cast<double>(half);
     if (number >= end) return limits::max();
     // A NaN is not greater either.
     return number > static_cast<double>(limits::min()) ? static_cast<T>(number) : limits::min();

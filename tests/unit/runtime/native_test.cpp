@@ -32,7 +32,8 @@ void register_functions(vrnscript& script) {
     return std::string(a) + '|' + std::string(b);
   });
   script.register_function("set", [](vrnvar_shared a, const vrnvar_shared& b) {
-    a->set_int(7);
+    vrnvar_shared own = std::move(a);
+    own->set_int(7);
     return b;
   });
   script.register_function("nothing", [](const vrnvar_shared&) {});
