@@ -98,6 +98,8 @@ TEST_F(filesys_os, refused_names_are_missing_and_unreadable_files_empty) {
   EXPECT_EQ(files_.read_file(".") + files_.read_file("/dev/zero"), "");
   EXPECT_THROW(files_.write("/dev/full", "x"), std::exception);
   EXPECT_THROW(files_.list("none"), std::exception);
+  EXPECT_THROW(files_.list_files("."), std::exception);
+  EXPECT_FALSE(vrn_filesys().exists("a.vrs"));
 }
 
 // Where the whole path is too long for the system, as where a folder above may not be searched.
