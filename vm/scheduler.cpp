@@ -1,6 +1,7 @@
 #include "vm/scheduler.hpp"
 
 #include <exception>
+#include <locale>
 #include <memory>
 #include <sstream>
 #include <string_view>
@@ -24,6 +25,7 @@ template <class... Parts>
 void log_task(const vrn_task& task, const Parts&... parts) {
   if (!get_log().enabled(vrn_log_level::verbose)) return;
   std::ostringstream address;
+  address.imbue(std::locale::classic());
   address << static_cast<const void*>(&task);
   log_line(vrn_log_level::verbose, "TASK ", address.str(), parts...);
 }
