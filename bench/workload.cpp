@@ -122,6 +122,40 @@ void add_concatenation(writer& script, std::size_t) {
                        << script.below(9) << ";\n";
 }
 
+// Short statements, as people write them.
+
+void add_subtraction(writer& script, std::size_t) {
+  script.variable("v") << " = ";
+  script.variable("v").operation() << 1 + script.below(999) << ";\n";
+}
+
+void add_bracketed(writer& script, std::size_t) {
+  script.variable("v") << " = (";
+  script.variable("v").operation();
+  script.variable("v") << ") * " << 1 + script.below(99);
+  script.operation().variable("v") << ";\n";
+}
+
+void add_nested_calls(writer& script, std::size_t) {
+  script.variable("x") << " = sqrt(abs(";
+  script.function() << "(";
+  script.variable("x") << ")));\n";
+}
+
+void add_joining(writer& script, std::size_t) {
+  script.variable("s") << " = t" << script.below(9) << script.joining() << "\" \""
+                       << script.joining() << "t" << script.below(9) << ";\n";
+}
+
+void add_copy(writer& script, std::size_t) {
+  script.variable("v") << " = ";
+  script.variable("v") << ";\n";
+}
+
+void add_constant(writer& script, std::size_t) {
+  script.variable("v") << " = " << script.below(1000) << ";\n";
+}
+
 void add_commented(writer& script, std::size_t number) {
   constexpr std::string_view words = " what the next statement does, and why it does it ";
   const std::string_view line = script.is_lua() ? "--" : "//";
@@ -160,6 +194,13 @@ std::string concatenations(dialect language, std::size_t count) {
     script << "long" << k << " = \"" << std::string(1000 + k, 'a') << "\";\n";
   }
   for (std::size_t k = 0; k < count; ++k) add_concatenation(script, k);
+  return script.take();
+}
+
+std::string joinings(dialect language, std::size_t count) {
+  writer script(language);
+  for (std::size_t k = 0; k < 9; ++k) script << "t" << k << " = \"word " << k << "\";\n";
+  for (std::size_t k = 0; k < count; ++k) add_joining(script, k);
   return script.take();
 }
 
@@ -210,6 +251,12 @@ constexpr workload all_workloads[] = {
     {"calls", "statement", 10'000, statements<add_call>},
     {"strings", "statement", 10'000, statements<add_string>},
     {"mixed", "statement", 10'000, statements<add_mixed>},
+    {"subtraction", "statement", 10'000, statements<add_subtraction>},
+    {"bracketed", "statement", 10'000, statements<add_bracketed>},
+    {"nested_calls", "statement", 10'000, statements<add_nested_calls>},
+    {"joining", "statement", 10'000, joinings},
+    {"copies", "statement", 10'000, statements<add_copy>},
+    {"constants", "statement", 10'000, statements<add_constant>},
     {"names", "name", 10'000, statements<add_name>},
     {"literals", "literal", 10'000, statements<add_literal>},
     {"functions", "function", 5'000, statements<add_function>},
