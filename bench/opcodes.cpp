@@ -188,7 +188,7 @@ void add_single(std::string_view name, vrn_opcode opcode, void (*prepare)(machin
 }
 
 template <std::uint32_t size>
-std::uint32_t do_nothing(vrn_vm_context&, std::byte*) {
+std::uint32_t do_nothing(vrn_run_context&, std::byte*) {
   return size;
 }
 
@@ -202,12 +202,12 @@ constexpr std::array<vrn_handler, opcode_count> idle_handlers = {
 std::uint32_t run_idle(vrn_program_block_routine& routine, vrn_task& task) {
   std::uint32_t stop = 0;
   std::uint32_t count = 0;
-  vrn_vm_context context{&task, &routine, &stop};
   // The compiler is not to know what it holds.
   const vrn_handler* const volatile hidden = idle_handlers.data();
   const vrn_handler* const table = hidden;
   const auto code = routine.instructions();
-  for (std::byte* at = code.data(); at < code.data() + code.size(); ++count) {
+  vrn_run_context context{{&task, &routine, &stop}, code.data() + code.size()};
+  for (std::byte* at = code.data(); at < context.end; ++count) {
     if (stop != 0) break;
     at += table[read_field<std::uint32_t>(at, 0)](context, at);
   }

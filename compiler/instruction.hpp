@@ -34,6 +34,9 @@ inline constexpr std::array<vrn_opcode_row, opcode_count> vrn_opcodes = {{
 }};
 static_assert(opcode_count == 20);
 
+template <vrn_opcode opcode>
+inline constexpr std::uint32_t size_of = vrn_opcodes[opcode].size;
+
 // The field of type T at an offset of a record.
 template <class T>
 T read_field(const std::byte* record, std::size_t offset) {

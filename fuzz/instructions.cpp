@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <future>
 #include <map>
 #include <memory>
 #include <stdexcept>
@@ -15,6 +16,7 @@
 #include "fuzz/support/byte_source.hpp"
 #include "fuzz/support/check.hpp"
 #include "fuzz/support/checked_host.hpp"
+#include "tests/support/spaced_code.hpp"
 #include "vm/interpreter_state.hpp"
 #include "vm/payload.hpp"
 
@@ -81,10 +83,14 @@ class routine_writer {
       case op_load_float:
         return routine.emit(opcode, source_.word());
       case op_load_string:
-      case op_push:
       case op_store_arg:
-        if (opcode == op_push) ++depth_;
         return routine.emit(opcode, odd_number(8));
+      case op_push:
+        ++depth_;
+        routine.emit(opcode, odd_number(8));
+        // As compilers write it, mostly.
+        return source_.one_in(4) ? void()
+                                 : routine.emit(op_load_value, address_of(some_variable()));
       case op_pop:
       case op_assign:
       case op_add:
@@ -237,7 +243,7 @@ class program_builder {
 
 // Runs each routine as a task, all at once and then once more. Those that are in another's hands
 // are refused.
-void run_tasks(test::script_host& host, const program_builder& program) {
+std::vector<vrn_ref<vrn_task>> run_tasks(test::script_host& host, const program_builder& program) {
   std::vector<vrn_ref<vrn_task>> tasks;
   for (const routine_handle& routine : program.routines()) {
     tasks.push_back(task_create(routine->handle()));
@@ -255,6 +261,7 @@ void run_tasks(test::script_host& host, const program_builder& program) {
       host.script.tick();
     }
   }
+  return tasks;
 }
 
 void check_errors(const test::collecting_log& log) {
@@ -266,21 +273,35 @@ void check_errors(const test::collecting_log& log) {
   }
 }
 
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  byte_source source({data, size});
+// What the program leaves; `spaced`: with every instruction executed singly.
+std::vector<std::string> run_program(byte_source source, bool spaced) {
   checked_host checked{checked_host::files()};
   test::script_host& host = checked.host();
   add_natives(host.script);
+  test::remains left;
   {
     program_builder program(source);
     for (const routine_handle& routine : program.routines()) disassemble(*routine);
-    run_tasks(host, program);
+    if (spaced) test::space_out(*program.routines()[0]);
+    const auto tasks = run_tasks(host, program);
     check_errors(*host.log);
     host.script.state().tasks = {};
+    left.add(host, spaced ? 2 : 1);
+    left.add(*program.routines()[0]);
+    for (const auto& task : tasks) left.add(*task);
   }
   checked.check_health();
+  return left.lines;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  // Random numbers begin anew on a thread.
+  const auto left = [&](bool spaced) {
+    return std::async(std::launch::async, run_program, byte_source({data, size}), spaced).get();
+  };
+  check(left(false) == left(true), "Stretches leave what single instructions leave.");
   return 0;
 }
 

@@ -5,8 +5,11 @@
 // shares the value that it holds, so a loaded variable can be assigned through it. Operands are
 // looked at through refs. A fault is reported and the run goes on.
 //
-// A result becomes a new value, in the place of an old one: when an operand is a number that nobody
-// but its slot holds, its value object is written over instead of being given back and taken again.
+// A result becomes a new value, in the place of an old one: when the slot has a number that nobody
+// else holds, that is written over instead of being given back and taken again.
+//
+// Loads and arithmetic execute the stretch behind them along with their own record, if one begins
+// there (vm/stretch.cpp).
 #include "vm/handlers.hpp"
 
 #include <algorithm>
@@ -17,10 +20,12 @@
 #include <vornscript/task.hpp>
 
 #include "compiler/instruction.hpp"
+#include "vm/arithmetic.hpp"
 #include "vm/interpreter_state.hpp"
 #include "vm/payload.hpp"
 #include "vm/run.hpp"
 #include "vm/runtime_error.hpp"
+#include "vm/stretch.hpp"
 #include "vm/value_access.hpp"
 
 namespace vorn {
@@ -28,12 +33,16 @@ namespace {
 
 constexpr std::size_t text_length_max = 268'435'456;
 
+// What a handler returns that executes the stretch behind its record as well.
 template <vrn_opcode opcode>
-constexpr std::uint32_t size_of = vrn_opcodes[opcode].size;
+std::uint32_t and_stretch(vrn_run_context& context, std::byte* record) {
+  std::byte* const next = record + size_of<opcode>;
+  return size_of<opcode> + (begins_stretch(context, next) ? run_stretch(context, next) : 0);
+}
 
-vrnvar_shared& top(vrn_vm_context& context) { return context.task->value_stack.back(); }
+vrnvar_shared& top(vrn_run_context& context) { return context.task->value_stack.back(); }
 
-vrnvar_shared pop(vrn_vm_context& context) {
+vrnvar_shared pop(vrn_run_context& context) {
   auto& stack = context.task->value_stack;
   vrnvar_shared popped = std::move(stack.back());
   stack.pop_back();
@@ -41,33 +50,11 @@ vrnvar_shared pop(vrn_vm_context& context) {
 }
 
 // The value of the top slot, null when it is empty.
-vrnvar* top_value(vrn_vm_context& context) { return deref_value(top(context).get()); }
+vrnvar* top_value(vrn_run_context& context) { return deref_value(top(context).get()); }
 
-bool rewritable(const vrnvar* value) {
-  return value && value->refcount == 1 && value->type < vrn_type::primitive_end;
-}
-
-void write_number(vrnvar& value, std::uint64_t bits, vrn_type type) {
-  value.payload = bits;
-  value.marker = 0;
-  value.type = type;
-}
-
-// Puts a fresh number into a slot.
-void set_number(vrnvar_shared& slot, std::uint64_t bits, vrn_type type) {
-  if (!rewritable(slot.get())) slot = var_none();
-  write_number(*slot, bits, type);
-}
-
-// The same, where the value of a slot that is going away may serve as well.
-void set_number(vrnvar_shared& slot, vrnvar_shared& spare, std::uint64_t bits, vrn_type type) {
-  if (!rewritable(slot.get()) && rewritable(spare.get())) slot.swap(spare);
-  set_number(slot, bits, type);
-}
-
-std::uint32_t handle_op_load_value(vrn_vm_context& context, std::byte* record) {
+std::uint32_t handle_op_load_value(vrn_run_context& context, std::byte* record) {
   top(context) = vrnvar_shared(read_field<vrnvar*>(record, 8));
-  return size_of<op_load_value>;
+  return and_stretch<op_load_value>(context, record);
 }
 
 // The block `hops` parent links up, if it is there and holds variables.
@@ -78,7 +65,7 @@ vrn_program_block_routine* outer_routine(vrn_program_block_base* block, std::uin
              : nullptr;
 }
 
-std::uint32_t handle_op_load_outer_var(vrn_vm_context& context, std::byte* record) {
+std::uint32_t handle_op_load_outer_var(vrn_run_context& context, std::byte* record) {
   auto* value = read_field<vrnvar*>(record, 16);
   if (!value) {
     const auto* routine = outer_routine(context.block, read_field<std::uint32_t>(record, 4));
@@ -95,41 +82,41 @@ std::uint32_t handle_op_load_outer_var(vrn_vm_context& context, std::byte* recor
     write_field(record, 16, value);
   }
   top(context) = vrnvar_shared(value);
-  return size_of<op_load_outer_var>;
+  return and_stretch<op_load_outer_var>(context, record);
 }
 
-std::uint32_t handle_op_skip40(vrn_vm_context&, std::byte*) { return size_of<op_skip40>; }
+std::uint32_t handle_op_skip40(vrn_run_context&, std::byte*) { return size_of<op_skip40>; }
 
-std::uint32_t handle_op_load_int(vrn_vm_context& context, std::byte* record) {
+std::uint32_t handle_op_load_int(vrn_run_context& context, std::byte* record) {
   set_number(top(context), read_field<std::uint64_t>(record, 8), vrn_type::integer);
-  return size_of<op_load_int>;
+  return and_stretch<op_load_int>(context, record);
 }
 
-std::uint32_t handle_op_load_float(vrn_vm_context& context, std::byte* record) {
+std::uint32_t handle_op_load_float(vrn_run_context& context, std::byte* record) {
   set_number(top(context), read_field<std::uint64_t>(record, 8), vrn_type::floating);
-  return size_of<op_load_float>;
+  return and_stretch<op_load_float>(context, record);
 }
 
-std::uint32_t handle_op_load_string(vrn_vm_context& context, std::byte* record) {
+std::uint32_t handle_op_load_string(vrn_run_context& context, std::byte* record) {
   const auto* const strings = context.block->strings.get();
   const auto index = read_field<std::uint32_t>(record, 4);
   top(context) = var_string(strings ? strings->at(index) : std::vector<std::string>().at(index));
-  return size_of<op_load_string>;
+  return and_stretch<op_load_string>(context, record);
 }
 
-std::uint32_t handle_op_push(vrn_vm_context& context, std::byte*) {
+std::uint32_t handle_op_push(vrn_run_context& context, std::byte*) {
   context.task->value_stack.emplace_back();
   return size_of<op_push>;
 }
 
-std::uint32_t handle_op_pop(vrn_vm_context& context, std::byte*) {
+std::uint32_t handle_op_pop(vrn_run_context& context, std::byte*) {
   context.task->value_stack.pop_back();
   return size_of<op_pop>;
 }
 
 // With a ref or an empty slot among the operands. Apart, so that the other case need not keep what
 // only a report wants to know.
-[[gnu::noinline]] std::uint32_t assign_slowly(vrn_vm_context& context, const std::byte* record) {
+[[gnu::noinline]] std::uint32_t assign_slowly(vrn_run_context& context, const std::byte* record) {
   const vrnvar_shared right = pop(context);
   const vrnvar* const source = deref_value(right.get());
   vrnvar* const target = top_value(context);
@@ -141,7 +128,7 @@ std::uint32_t handle_op_pop(vrn_vm_context& context, std::byte*) {
   return size_of<op_assign>;
 }
 
-std::uint32_t handle_op_assign(vrn_vm_context& context, std::byte* record) {
+std::uint32_t handle_op_assign(vrn_run_context& context, std::byte* record) {
   auto& stack = context.task->value_stack;
   const vrnvar* const source = stack.back().get();
   vrnvar* const target = stack.end()[-2].get();
@@ -153,7 +140,7 @@ std::uint32_t handle_op_assign(vrn_vm_context& context, std::byte* record) {
   return size_of<op_assign>;
 }
 
-std::uint32_t handle_op_negate(vrn_vm_context& context, std::byte* record) {
+std::uint32_t handle_op_negate(vrn_run_context& context, std::byte* record) {
   const vrnvar* const value = top_value(context);
   const vrn_type type = value ? value->type : vrn_type::none;
   if (type == vrn_type::floating) {
@@ -168,62 +155,11 @@ std::uint32_t handle_op_negate(vrn_vm_context& context, std::byte* record) {
   return size_of<op_negate>;
 }
 
-// An operation is a type with `of` for a pair of integers' bits and for a pair of floats, the
-// opcode and the reporter of its type errors.
-
-struct addition {
-  static constexpr vrn_opcode opcode = op_add;
-  static constexpr auto invalid_type = runtime_error_add;
-  static std::uint64_t of(std::uint64_t left, std::uint64_t right) { return left + right; }
-  static double of(double left, double right) { return left + right; }
-};
-
-struct subtraction {
-  static constexpr vrn_opcode opcode = op_sub;
-  static constexpr auto invalid_type = runtime_error_sub;
-  static std::uint64_t of(std::uint64_t left, std::uint64_t right) { return left - right; }
-  static double of(double left, double right) { return left - right; }
-};
-
-struct multiplication {
-  static constexpr vrn_opcode opcode = op_mul;
-  static constexpr auto invalid_type = runtime_error_mul;
-  static std::uint64_t of(std::uint64_t left, std::uint64_t right) { return left * right; }
-  static double of(double left, double right) { return left * right; }
-};
-
-// Division by zero gives zero, deliberately without a report.
-struct division {
-  static constexpr vrn_opcode opcode = op_div;
-  static constexpr auto invalid_type = runtime_error_div;
-  static std::uint64_t of(std::uint64_t left, std::uint64_t right) {
-    const auto dividend = static_cast<std::int64_t>(left);
-    const auto divisor = static_cast<std::int64_t>(right);
-    if (divisor == 0) return 0;
-    if (divisor == -1) return 0 - left;
-    return static_cast<std::uint64_t>(dividend / divisor);
-  }
-  static double of(double left, double right) { return right == 0.0 ? 0.0 : left / right; }
-};
-
-// What stands for an empty slot.
-const vrnvar& nothing() {
-  static const vrnvar value;
-  return value;
-}
-
-template <class Operation>
-std::uint64_t of_integers(const vrnvar& left, const vrnvar& right) {
-  const auto divisor = static_cast<std::uint64_t>(right.get_int());
-  // The left side of a division by zero is not even converted.
-  if (Operation::opcode == op_div && divisor == 0) return 0;
-  return Operation::of(static_cast<std::uint64_t>(left.get_int()), divisor);
-}
-
-template <class Operation>
-std::uint64_t of_floats(const vrnvar& left, const vrnvar& right) {
-  const double first = left.get_float();
-  return std::bit_cast<std::uint64_t>(Operation::of(first, right.get_float()));
+// The value of an operand; an empty slot counts as none.
+const vrnvar& operand_value(const vrnvar_shared& slot) {
+  static const vrnvar nothing;
+  const vrnvar* const value = deref_value(slot.get());
+  return value ? *value : nothing;
 }
 
 void concatenate(vrn_fault_place place, vrnvar_shared& slot, const vrnvar& left,
@@ -239,41 +175,30 @@ void concatenate(vrn_fault_place place, vrnvar_shared& slot, const vrnvar& left,
   slot = std::move(result);
 }
 
-// All pairs of operands but two integers or two floats.
-template <class Operation>
-void combine_mixed(vrn_fault_place place, vrnvar_shared& slot, vrnvar_shared& spare,
-                   const vrnvar& left, const vrnvar& right) {
+template <vrn_opcode opcode, void (*invalid_type)(vrn_fault_place, vrn_type)>
+std::uint32_t arithmetic(vrn_run_context& context, std::byte* record) {
+  const vrnvar_shared popped = pop(context);
+  vrnvar_shared& slot = top(context);
+  const vrnvar& right = operand_value(popped);
+  const vrnvar& left = operand_value(slot);
   const vrn_type type = std::max(left.type, right.type);
   if (type == vrn_type::integer) {
-    set_number(slot, spare, of_integers<Operation>(left, right), type);
+    const std::int64_t second = right.get_int();
+    // The left side of a division by zero is not even converted.
+    const std::int64_t first = opcode == op_div && second == 0 ? 0 : left.get_int();
+    set_number(slot, of_integers(opcode, first, second), type);
   } else if (type == vrn_type::floating) {
-    set_number(slot, spare, of_floats<Operation>(left, right), type);
-  } else if (type == vrn_type::string && Operation::opcode == op_add) {
-    concatenate(place, slot, left, right);
+    const double first = left.get_float();
+    set_number(slot, of_floats(opcode, first, right.get_float()), type);
+  } else if (type == vrn_type::string && opcode == op_add) {
+    concatenate({context, record}, slot, left, right);
   } else {
-    Operation::invalid_type(place, type);
+    invalid_type({context, record}, type);
   }
+  return and_stretch<opcode>(context, record);
 }
 
-template <class Operation>
-std::uint32_t arithmetic(vrn_vm_context& context, std::byte* record) {
-  vrnvar_shared right = pop(context);
-  vrnvar_shared& slot = top(context);
-  const vrnvar* const r = deref_value(right.get());
-  const vrnvar* const l = deref_value(slot.get());
-  if (l && r && l->type == vrn_type::integer && r->type == vrn_type::integer) {
-    set_number(slot, right, Operation::of(l->payload, r->payload), vrn_type::integer);
-  } else if (l && r && l->type == vrn_type::floating && r->type == vrn_type::floating) {
-    const double result = Operation::of(l->as_float(), r->as_float());
-    set_number(slot, right, std::bit_cast<std::uint64_t>(result), vrn_type::floating);
-  } else {
-    combine_mixed<Operation>({context, record}, slot, right, l ? *l : nothing(),
-                             r ? *r : nothing());
-  }
-  return size_of<Operation::opcode>;
-}
-
-std::uint32_t handle_op_args_begin(vrn_vm_context& context, std::byte* record) {
+std::uint32_t handle_op_args_begin(vrn_run_context& context, std::byte* record) {
   vrn_task& task = *context.task;
   const auto count = read_field<std::uint32_t>(record, 4);
   if (task.argument_frames.size() <= task.frame_depth) {
@@ -286,7 +211,7 @@ std::uint32_t handle_op_args_begin(vrn_vm_context& context, std::byte* record) {
   return size_of<op_args_begin>;
 }
 
-std::uint32_t handle_op_arg_set(vrn_vm_context& context, std::byte* record) {
+std::uint32_t handle_op_arg_set(vrn_run_context& context, std::byte* record) {
   vrn_task& task = *context.task;
   vrnvar* const value = top_value(context);
   // Native functions count on every argument being there.
@@ -308,7 +233,7 @@ class frame_closer {
   vrn_task& task_;
 };
 
-std::uint32_t handle_op_call_native(vrn_vm_context& context, std::byte* record) {
+std::uint32_t handle_op_call_native(vrn_run_context& context, std::byte* record) {
   vrn_task& task = *context.task;
   const auto* const function = read_field<const vrn_std_function*>(record, 8);
   vrn_vm_context copy = context;
@@ -318,7 +243,7 @@ std::uint32_t handle_op_call_native(vrn_vm_context& context, std::byte* record) 
   return size_of<op_call_native>;
 }
 
-std::uint32_t handle_op_call(vrn_vm_context& context, std::byte* record) {
+std::uint32_t handle_op_call(vrn_run_context& context, std::byte* record) {
   const vrnvar* const value = top_value(context);
   auto* const payload =
       value && value->type == vrn_type::function ? value->as<vrnvar_ptr_function>() : nullptr;
@@ -337,7 +262,7 @@ std::uint32_t handle_op_call(vrn_vm_context& context, std::byte* record) {
   return size_of<op_call>;
 }
 
-std::uint32_t handle_op_store_arg(vrn_vm_context& context, std::byte* record) {
+std::uint32_t handle_op_store_arg(vrn_run_context& context, std::byte* record) {
   const auto& calls = context.task->call_stack;
   const auto index = read_field<std::uint32_t>(record, 4);
   vrn_program_block_routine* const routine = calls.empty() ? nullptr : calls.back().get();
@@ -347,16 +272,16 @@ std::uint32_t handle_op_store_arg(vrn_vm_context& context, std::byte* record) {
   return size_of<op_store_arg>;
 }
 
-std::uint32_t handle_op_yield(vrn_vm_context& context, std::byte*) {
+std::uint32_t handle_op_yield(vrn_run_context& context, std::byte*) {
   ++context.task->pending_calls;
   *context.stop_flag = run_status::called;
   return size_of<op_yield>;
 }
 
-constexpr vrn_handler handle_op_add = arithmetic<addition>;
-constexpr vrn_handler handle_op_sub = arithmetic<subtraction>;
-constexpr vrn_handler handle_op_mul = arithmetic<multiplication>;
-constexpr vrn_handler handle_op_div = arithmetic<division>;
+constexpr vrn_handler handle_op_add = arithmetic<op_add, runtime_error_add>;
+constexpr vrn_handler handle_op_sub = arithmetic<op_sub, runtime_error_sub>;
+constexpr vrn_handler handle_op_mul = arithmetic<op_mul, runtime_error_mul>;
+constexpr vrn_handler handle_op_div = arithmetic<op_div, runtime_error_div>;
 
 }  // namespace
 

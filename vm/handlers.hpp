@@ -5,14 +5,13 @@
 #include <cstddef>
 #include <cstdint>
 
-#include <vornscript/std_function.hpp>
-
 #include "compiler/instruction.hpp"
+#include "vm/run_context.hpp"
 
 namespace vorn {
 
 // Executes the instruction at `record` and returns the record's size. May write into the record.
-using vrn_handler = std::uint32_t (*)(vrn_vm_context& context, std::byte* record);
+using vrn_handler = std::uint32_t (*)(vrn_run_context& context, std::byte* record);
 
 // One handler for each opcode.
 extern const std::array<vrn_handler, opcode_count> handlers;

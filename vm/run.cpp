@@ -105,8 +105,8 @@ class run_position {
 std::uint32_t run(vrn_program_block_routine& routine, vrn_task& task) {
   std::uint32_t stop = run_status::go_on;
   std::uint32_t count = 0;
-  vrn_vm_context context{&task, &routine, &stop};
   run_position position(routine, task);
+  vrn_run_context context{{&task, &routine, &stop}, position.end()};
   const vrn_clock& clock = current_clock();
   const std::uint64_t start = clock.monotonic_ns();
 
@@ -121,11 +121,12 @@ std::uint32_t run(vrn_program_block_routine& routine, vrn_task& task) {
   } catch (...) {
     vrnscript_state& state = current_script->state();
     state.thrown_in = routine.handle();
-    state.thrown_at = static_cast<std::uint32_t>(at - routine.instructions().data());
+    const std::byte* const thrower = context.thrower ? context.thrower : at;
+    state.thrown_at = static_cast<std::uint32_t>(thrower - routine.instructions().data());
     throw;
   }
 
-  if (count > 0) log_speed(count, clock.monotonic_ns() - start);
+  if (count > 0) log_speed(count + context.stretched, clock.monotonic_ns() - start);
   position.leave(at);
   return at >= end && stop == run_status::go_on ? run_status::ended : stop;
 }
