@@ -239,7 +239,7 @@ void add_opcodes() {
   add_single("op_yield", op_yield, one_slot);
   for (const auto& [name, statements] :
        {std::pair{"20_arithmetic_statements", 20U}, {"1000_arithmetic_statements", 1000U}}) {
-    add_mix(name, statements, "ours", run);
+    add_mix(name, statements, "ours", [](auto& routine, auto& task) { return run(routine, task); });
     add_mix(name, statements, "idle_handlers", run_idle);
   }
 }

@@ -52,14 +52,16 @@ struct short_number {
   const char* end;
 };
 
-void log_speed(std::uint32_t count, std::uint64_t nanoseconds) {
+// True when it wrote a line.
+bool log_speed(std::uint32_t count, std::uint64_t nanoseconds) {
   const double seconds = static_cast<double>(nanoseconds) / 1'000'000'000.0;
   const double rate = seconds > 0.0 ? count / seconds : 0.0;
   const double average = add_sample(rate);
-  if (!get_log().enabled(vrn_log_level::debug)) return;
+  if (!get_log().enabled(vrn_log_level::debug)) return false;
   log_line(vrn_log_level::debug, "Executed ", count,
            " instructions in: ", std::string_view(short_number(seconds)),
            " seconds (IPS: ", whole(rate), " avg IPS: ", whole(average), ")");
+  return true;
 }
 
 // Where the loop stands; puts it down in the routine, however the run ends.
@@ -102,13 +104,14 @@ class run_position {
 
 }  // namespace
 
-std::uint32_t run(vrn_program_block_routine& routine, vrn_task& task) {
+std::uint32_t run(vrn_program_block_routine& routine, vrn_task& task,
+                  std::optional<std::uint64_t>& now) {
   std::uint32_t stop = run_status::go_on;
   std::uint32_t count = 0;
   run_position position(routine, task);
   vrn_run_context context{{&task, &routine, &stop}, position.end()};
   const vrn_clock& clock = current_clock();
-  const std::uint64_t start = clock.monotonic_ns();
+  const std::uint64_t start = now ? *now : clock.monotonic_ns();
 
   std::byte* at = position.at();
   std::byte* const end = position.end();
@@ -126,7 +129,8 @@ std::uint32_t run(vrn_program_block_routine& routine, vrn_task& task) {
     throw;
   }
 
-  if (count > 0) log_speed(count + context.stretched, clock.monotonic_ns() - start);
+  now = count > 0 ? clock.monotonic_ns() : start;
+  if (count > 0 && log_speed(count + context.stretched, *now - start)) now.reset();
   position.leave(at);
   return at >= end && stop == run_status::go_on ? run_status::ended : stop;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 namespace vorn {
 
@@ -21,6 +22,15 @@ inline constexpr std::uint32_t ended = 16;  // the code ran to its end
 // Runs the routine for the task, from the saved program counter until the code ends or an
 // instruction sets the stop flag. Returns run_status::ended or the stop flag. What a handler throws
 // comes through; the routine is over then.
-std::uint32_t run(vrn_program_block_routine& routine, vrn_task& task);
+//
+// `now` is when the run before this one ended, where nothing was done since: reading the clock
+// costs as much as a dozen instructions, and most routines are no longer. It is set to when this
+// one ends.
+std::uint32_t run(vrn_program_block_routine& routine, vrn_task& task,
+                  std::optional<std::uint64_t>& now);
+inline std::uint32_t run(vrn_program_block_routine& routine, vrn_task& task) {
+  std::optional<std::uint64_t> now;
+  return run(routine, task, now);
+}
 
 }  // namespace vorn

@@ -3,6 +3,7 @@
 #include <exception>
 #include <locale>
 #include <memory>
+#include <optional>
 #include <sstream>
 #include <string_view>
 #include <utility>
@@ -152,12 +153,13 @@ bool go_on(vrn_task& task) {
     return false;
   }
   if (task.parked) stop_waiting(task);
+  std::optional<std::uint64_t> now;
   for (;;) {
     vrn_program_block_routine* const routine = top_routine(task);
     if (!routine) return cannot_run(task);
     if (task.entering && !enter(task, *routine)) return false;
     if (!can_go_on(*routine, task)) return cannot_run(task);
-    const std::uint32_t status = run(*routine, task);
+    const std::uint32_t status = run(*routine, task, now);
     if (task.cancelling) return false;
     switch (status) {
       case run_status::go_on:
