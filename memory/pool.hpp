@@ -11,6 +11,9 @@
 // interpreter's lock; when the ring is full, that thread waits. Threads without an interpreter take
 // objects from the general heap (vrn_pool_heap); their slot byte is 255.
 //
+// What is rare stands in functions of its own (gnu::noinline), so that taking and giving back need
+// not save registers for it.
+//
 // A pooled type T has a one-byte slot number (pool_slot()) and can be emptied (pool_reset()).
 #pragma once
 
@@ -48,7 +51,7 @@ class vrn_pool_heap {
  public:
   using region = vrn_pool_region<T, Chunk>;
 
-  static T* take() {
+  [[gnu::noinline]] static T* take() {
     const std::lock_guard lock(mutex_);
     if (!current_ || current_->chunk.free_count == 0) current_ = region::create(nullptr);
     Chunk<T>& chunk = current_->chunk;
@@ -57,7 +60,7 @@ class vrn_pool_heap {
     return object;
   }
 
-  static void give_back(T* object) noexcept {
+  [[gnu::noinline]] static void give_back(T* object) noexcept {
     if (!slot_is_right(object)) {
       // It claims to lie in a pool, and no search would find it there.
       pool_message::invalid_magic(0);
@@ -131,8 +134,7 @@ class vrn_pool : public vrn_pool_base {
       home->listed = false;
       free_chunks_.pop_back();
     }
-    add_chunk();
-    return take();
+    return take_from_new_chunk();
   }
 
   // Puts an object of this pool back. On the owner's thread.
@@ -156,7 +158,7 @@ class vrn_pool : public vrn_pool_base {
   std::uint64_t live_count() const { return live_count_; }
 
  private:
-  void add_chunk() {
+  [[gnu::noinline]] T* take_from_new_chunk() {
     // The lists have room for the chunk before it exists, so nothing is lost when memory runs out,
     // and a release never has to allocate.
     if (chunks_.size() == chunks_.capacity()) {
@@ -167,9 +169,10 @@ class vrn_pool : public vrn_pool_base {
     region* home = region::create(this);
     chunks_.push_back(home);
     list(home);
+    return take();
   }
 
-  void list(region* home) noexcept {
+  [[gnu::noinline]] void list(region* home) noexcept {
     free_chunks_.push_back(home);
     home->listed = true;
   }
@@ -178,7 +181,7 @@ class vrn_pool : public vrn_pool_base {
   // number. False when the object has to be left alone. What stands where the object claims that
   // its chunk begins is not looked at; the search for its real chunk ends at the one found by
   // masking.
-  static bool mend(T* object, const Chunk<T>& chunk) noexcept {
+  [[gnu::noinline]] static bool mend(T* object, const Chunk<T>& chunk) noexcept {
     const std::uint8_t claimed = object->pool_slot();
     const std::uint8_t actual = chunk.slot_of(object);
     pool_message::invalid_magic(claimed == actual ? chunk.magic : 0);
@@ -253,7 +256,7 @@ class vrn_pool_threadsafe final : public vrn_pool<T, Chunk> {
     return (n & ~63u) | ((n & 7u) << 3) | ((n >> 3) & 7u);
   }
 
-  void queue(T* object) noexcept {
+  [[gnu::noinline]] void queue(T* object) noexcept {
     const std::uint32_t ticket = remote_counter_.fetch_add(1, std::memory_order_relaxed);
     std::atomic<T*>& slot = remote_slots_[ring_index(ticket)];
     for (T* occupant = nullptr; !slot.compare_exchange_weak(
