@@ -130,12 +130,17 @@ std::uint32_t handle_op_pop(vrn_run_context& context, std::byte*) {
 
 std::uint32_t handle_op_assign(vrn_run_context& context, std::byte* record) {
   auto& stack = context.task->value_stack;
-  const vrnvar* const source = stack.back().get();
+  vrnvar* const source = stack.back().get();
   vrnvar* const target = stack.end()[-2].get();
   const bool plain =
       source && target && source->type != vrn_type::ref && target->type != vrn_type::ref;
   if (!plain) return assign_slowly(context, record);
-  target->copy_from(source);
+  if (source->refcount == 1 && source->type == vrn_type::string && target->type == source->type) {
+    // A text that nobody else holds changes hands instead of being copied.
+    std::swap(target->payload, source->payload);
+  } else {
+    target->copy_from(source);
+  }
   stack.pop_back();
   return size_of<op_assign>;
 }
@@ -255,6 +260,9 @@ std::uint32_t handle_op_call(vrn_run_context& context, std::byte* record) {
     runtime_error_parallel({context, record});
   } else {
     context.task->call_stack.push_back(routine->handle());
+    // Code runs once, so it is in no cache yet.
+    __builtin_prefetch(routine->code.get());
+    __builtin_prefetch(routine->variables.data());
     routine->active = true;
     routine->entered_by = context.task->start;
     ++routine->uses;
