@@ -84,7 +84,7 @@ TEST(disassembly_test, blocks_made_by_hand) {
   std::uint32_t count = 0;
   EXPECT_TRUE(vrn_code_generator(host.script, count).compile_list(block, program->ast->nodes));
   EXPECT_EQ(code_of(block), "load_value x; load_int 5");
-  block.insert_name("x", 7);
+  block.insert_name("x", 1);
   for (const std::size_t size : {31U, 18U}) {
     block.code->resize(size);
     block.code->shrink_to_fit();

@@ -76,6 +76,15 @@ TEST_F(pool_test, wrong_slot_bytes) {
   }
 }
 
+TEST_F(pool_test, the_heap_fills_its_chunks) {
+  using heap = values_pool::heap;
+  std::vector<vrnvar*> taken(2 * chunk_slots);
+  std::set<const void*> regions;
+  for (vrnvar*& object : taken) regions.insert(values_pool::region::of(object = heap::take()));
+  EXPECT_LE(regions.size(), 3U);
+  for (vrnvar* object : taken) heap::give_back(object);
+}
+
 // Another thread releases them all.
 void release_elsewhere(const std::vector<vrnvar*>& objects) {
   std::thread([&objects] {

@@ -106,6 +106,7 @@ TEST_F(value_test, long_chains_and_deep_nests) {
   const vrnvar_shared nest = var_none();
   vrnvar* innermost = nest.get();
   vrnvar_shared chain = var_string("the end");
+  vrnvar_shared kept;
   for (int k = 0; k < 100'000; ++k) {
     innermost->set_type(vrn_type::json);
     innermost = &members_of(*innermost).add("key")->value;
@@ -113,7 +114,10 @@ TEST_F(value_test, long_chains_and_deep_nests) {
     next->set_type(vrn_type::class_);
     next->as<vrnvar_ptr_function>()->members = {chain};
     chain = ref_to(next);
+    if (k == 500) kept = next;
   }
+  chain = {};
+  EXPECT_EQ(kept->type, vrn_type::class_);
   var_none()->copy_from(nest.get());
 }
 
