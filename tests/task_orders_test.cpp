@@ -23,12 +23,9 @@ class random_orders {
  public:
   explicit random_orders(unsigned seed) : random_(seed) {
     host_.log->level_mask = static_cast<std::uint32_t>(vrn_log_level::error);
-    host_.script.register_std_function(
-        "fail", [](auto&, auto&) -> vrnvar_shared { throw std::runtime_error("failed"); }, 0, 0);
-    host_.script.register_std_function(
-        "park", [](auto& context, auto&) { return task_park(context), var_none(); }, 0, 0);
-    host_.script.register_std_function(
-        "act", [this](auto&, auto&) { return act(), var_int(1); }, 0, 0);
+    host_.script.register_function("fail", [] { throw std::runtime_error("failed"); });
+    host_.script.register_function("park", [](vrn_vm_context& context) { task_park(context); });
+    host_.script.register_function("act", [this] { return act(), 1; });
   }
 
   void act() {
