@@ -30,7 +30,7 @@ class contender {
   // Runs what has been loaded, to its end.
   virtual bool run() = 0;
 
-  // Releases what has been loaded.
+  // Releases what has been loaded; a peer closes, and is not used again.
   virtual void unload() = 0;
 
   // Of the script loaded last; 0 where that is not known.

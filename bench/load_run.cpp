@@ -2,6 +2,7 @@
 #include <cmath>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "bench/contender.hpp"
 #include "bench/suite.hpp"
@@ -58,8 +59,9 @@ using timing = decltype(load);
 
 benchmark::internal::Benchmark* add_timing(std::string_view subject, timing& time,
                                            const workload& work, const contender_kind& kind,
-                                           std::size_t size, std::string_view last_part) {
-  return add({subject, work.name, last_part},
+                                           std::size_t size, std::string_view shown_size,
+                                           std::string_view last_part) {
+  return add({subject, std::string(work.name).append(shown_size), last_part},
              [&time, &work, &kind, size](benchmark::State& state) {
                time(state, work, kind, size);
              })
@@ -69,24 +71,34 @@ benchmark::internal::Benchmark* add_timing(std::string_view subject, timing& tim
 // What is not timed takes far longer than this.
 constexpr benchmark::IterationCount few = 5;
 
-void add_workload(std::string_view subject, timing& time, const workload& work) {
+void add_workload(std::string_view subject, timing& time, const workload& work, std::size_t size,
+                  std::string_view shown_size = "") {
   for (const contender_kind& kind : contenders()) {
     if (kind.language == dialect::lua && !work.has_peers) continue;
-    auto* const added = add_timing(subject, time, work, kind, work.size, kind.name);
+    auto* const added = add_timing(subject, time, work, kind, size, shown_size, kind.name);
     if (&time != &load) added->Iterations(few);
+  }
+}
+
+// What the peers load too comes in three sizes.
+void add_load(const workload& work) {
+  if (!work.has_peers) return add_workload("load", load, work, work.size);
+  for (const std::size_t size : {1'000U, 10'000U, 100'000U}) {
+    add_workload("load", load, work, size, "@" + std::to_string(size));
   }
 }
 
 }  // namespace
 
 void add_loads() {
-  for (const workload& work : workloads()) add_workload("load", load, work);
-  add_workload("release", unload, find_workload("mixed"));
+  for (const workload& work : workloads()) add_load(work);
+  const workload& mixed = find_workload("mixed");
+  add_workload("release", unload, mixed, mixed.size);
 }
 
 void add_runs() {
   for (const workload& work : workloads()) {
-    if (work.name != "comments") add_workload("run", run, work);
+    if (work.name != "comments") add_workload("run", run, work, work.size);
   }
 }
 
@@ -106,8 +118,8 @@ void add_growth() {
       const auto size = static_cast<std::size_t>(
           std::lround(static_cast<double>(each.size) * std::pow(10.0, k / 3.0)));
       const std::string shown = std::to_string(size);
-      add_timing("growth_of_load", load, work, ours, size, shown);
-      add_timing("growth_of_run", run, work, ours, size, shown)->Iterations(few);
+      add_timing("growth_of_load", load, work, ours, size, "", shown);
+      add_timing("growth_of_run", run, work, ours, size, "", shown)->Iterations(few);
     }
   }
 }

@@ -37,10 +37,7 @@ class lua_contender final : public contender {
     lua_pushvalue(state_.get(), -1);
     return lua_pcall(state_.get(), 0, 0, 0) == 0;
   }
-  void unload() override {
-    lua_settop(state_.get(), 0);
-    collect();
-  }
+  void unload() override { state_.reset(); }
 
  private:
   void collect() { lua_gc(state_.get(), LUA_GCCOLLECT, 0); }

@@ -87,7 +87,8 @@ void add_start(std::string_view who, const char* program,
 }  // namespace
 
 void add_processes() {
-  for (const char* name : {"arithmetic", "floats", "calls", "strings", "mixed", "names"}) {
+  for (const char* name :
+       {"arithmetic", "floats", "calls", "strings", "mixed", "names", "brackets"}) {
     add_first_load(name);
   }
   add_print("to_file", output::file);

@@ -212,10 +212,16 @@ std::string expression(dialect language, std::size_t operators) {
 }
 
 // So many operators, each in brackets of its own: ((v1 + 2) * v3) and so on to the given depth.
-void add_brackets(writer& script, std::size_t depth) {
+void add_brackets(writer& script, std::size_t depth, bool of_constants = false) {
+  const auto operand = [&]() -> writer& {
+    return of_constants ? script << 1 + script.below(999) : script.whole();
+  };
   script << "v0 = " << std::string(depth, '(');
-  script.variable("v");
-  for (std::size_t k = 0; k < depth; ++k) script.operation().whole() << ")";
+  operand();
+  for (std::size_t k = 0; k < depth; ++k) {
+    script.operation();
+    operand() << ")";
+  }
   script << ";\n";
 }
 
@@ -226,6 +232,9 @@ std::string deep_expressions(dialect language, std::size_t depth) {
   for (int k = 0; k < 100; ++k) add_brackets(script, depth);
   return script.take();
 }
+
+// Which Lua makes one constant of.
+void add_constant_brackets(writer& script, std::size_t) { add_brackets(script, 5, true); }
 
 // Many expressions, almost as deep as a language takes: 1000 levels, in Lua 200.
 std::string brackets(dialect language, std::size_t operators) {
@@ -262,6 +271,7 @@ constexpr workload all_workloads[] = {
     {"functions", "function", 5'000, statements<add_function>},
     {"expression", "operator", 100'000, expression},
     {"brackets", "operator", 100'000, brackets},
+    {"constant_brackets", "statement", 10'000, statements<add_constant_brackets>},
     {"comments", "statement", 10'000, statements<add_commented>},
     {"includes", "file", 300, includes, false},
     {"defines", "define", 5'000, statements<add_define>, false},

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the benchmarks, runs them (about five minutes), and prints their figures as one table in
+# Builds the benchmarks, runs them (about ten minutes), and prints their figures as one table in
 # Markdown; build/release/bench.json keeps all of them. Arguments go to the benchmarks:
 # --benchmark_filter=pool for example.
 set -euo pipefail
