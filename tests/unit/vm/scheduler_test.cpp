@@ -255,7 +255,7 @@ TEST_F(scheduler_test, cancelled) {
 
 TEST_F(scheduler_test, woken) {
   const auto sleeper = started("sleep(50); print('slept');");
-  vrn_task& parked = *started("park(); print('woken'); park();").get();
+  vrn_task& parked = *started("park(); print('woken'); park();");
   EXPECT_TRUE(task_wake(parked, 7));  // due already, and put off
   tick();
   EXPECT_EQ(host_.script.next_due_ms(), host_.clock->ms + 7);
