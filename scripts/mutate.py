@@ -106,7 +106,7 @@ def main(copy, seed, count, *sources):
             tried += 1
             if not tests.notice():
                 survived += 1
-                print(f"{source}:{number + 1}\n-{texts[source][number]}\n+{mutant}", flush=True)
+                print(f"{source}:{number + 1} ({tried})\n-{texts[source][number]}\n+{mutant}", flush=True)
         with open(f"{copy}/source/{source}", "w") as file:
             file.write("\n".join(texts[source]))
     print(f"{survived} of {tried} changes survive.")
