@@ -4,10 +4,7 @@
 #include <mutex>
 #include <optional>
 #include <set>
-#include <string>
 #include <thread>
-#include <utility>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -31,9 +28,8 @@ TEST(threads_test, four_interpreters_at_once) {
     }
     EXPECT_EQ(live_objects(host.script), 0U);
   };
-  std::jthread threads[4];
-  int first = 0;
-  for (auto& thread : threads) thread = std::jthread(work, first++);
+  std::vector<std::jthread> threads;
+  for (int first = 0; first < 4; ++first) threads.emplace_back(work, first);
 }
 
 // Nothing is done but to say so; an interpreter that ends elsewhere releases what it has.
@@ -54,6 +50,7 @@ TEST(threads_test, an_interpreter_on_another_thread) {
       EXPECT_EQ(handle.get(), nullptr);
     }).join();
   }).join();
+  const std::string told = " called on a thread that is not the interpreter's!";
   const auto use = [&] {
     host->script.tick();
     EXPECT_FALSE(host->loader.create_program("main.vrs"));
@@ -63,19 +60,16 @@ TEST(threads_test, an_interpreter_on_another_thread) {
   testing::internal::CaptureStderr();
   use();
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "tick() called on a thread that is not the interpreter's!\n"
-            "create_program() called on a thread that is not the interpreter's!\n");
+            "tick()" + told + "\ncreate_program()" + told + "\n");
   {
     script_host own;
     use();
     program = {};
     task = {};
     host.reset();
-    strings expected(4, " called on a thread that is not the interpreter's!");
-    const char* const operations[] = {"tick()", "create_program()", "create_program()",
-                                      "~vrnscript()"};
-    for (std::size_t k = 0; k < 4; ++k) expected[k].insert(0, operations[k]);
-    EXPECT_EQ(own.log->texts(vrn_log_level::error), expected);
+    EXPECT_EQ(own.log->texts(vrn_log_level::error),
+              (strings{"tick()" + told, "create_program()" + told, "create_program()" + told,
+                       "~vrnscript()" + told}));
     EXPECT_EQ(own.output_of("print(3);"), strings{"3"});
   }
   EXPECT_EQ(log->texts(vrn_log_level::error), strings());
@@ -86,15 +80,15 @@ TEST(threads_test, an_interpreter_on_another_thread) {
 // Some they change before, which drops the payload by itself.
 TEST(threads_test, values_dropped_elsewhere_come_back_once) {
   constexpr std::int64_t count = 1'000'000;
+  constexpr std::int64_t total = count * (count + 1) / 2;
   script_host host;
   std::mutex mutex;
   std::vector<values> handed_over;
-  std::atomic<std::int64_t> dropped{0};
   std::atomic<std::int64_t> sum{0};
   const auto drop_all = [&](bool with_interpreter) {
     std::optional<script_host> own;
     if (with_interpreter) own.emplace();
-    while (dropped < count) {
+    while (sum < total) {
       values taken;
       if (const std::lock_guard lock(mutex); !handed_over.empty()) {
         taken = std::move(handed_over.back());
@@ -105,7 +99,6 @@ TEST(threads_test, values_dropped_elsewhere_come_back_once) {
         if (number % 3 == 0) value->set_int(0);
         value = {};
         sum += number;
-        ++dropped;
       }
     }
     EXPECT_TRUE(!own || live_objects(own->script) == 0);
@@ -121,11 +114,11 @@ TEST(threads_test, values_dropped_elsewhere_come_back_once) {
     const std::lock_guard lock(mutex);
     handed_over.push_back(std::move(batch));
   }
-  while (dropped < count) host.script.tick();
+  while (sum < total) host.script.tick();
   first.join();
   second.join();
   host.script.tick();
-  EXPECT_EQ(sum, count * (count + 1) / 2);
+  EXPECT_EQ(sum, total);
   EXPECT_EQ(live_objects(host.script), 0U);
   EXPECT_EQ(host.log->texts(vrn_log_level::error), strings());
 

@@ -1,13 +1,9 @@
 // Memory that runs out at each single request of a load and a run, for that request or for good. It
 // has an executable of its own, whose every allocation it counts.
-#include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <cstdlib>
 #include <new>
 #include <optional>
-#include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -72,8 +68,7 @@ print(vtype(copy) + " and " + vtype(make(0)));)";
 constexpr const char* broken_program = "#include \"library\"\n#define MORE (SECOND\nprint(MORE);\n";
 
 // A json with so many members; without any a class.
-vrnvar_shared make(vrn_vm_context&, std::vector<vrnvar_shared>& arguments) {
-  std::int64_t count = arguments[0]->get_int();
+vrnvar_shared make(int count) {
   vrnvar_shared made = var_none();
   made->set_type(count > 0 ? vrn_type::json : vrn_type::class_);
   if (count == 0) made->as<vrnvar_ptr_function>()->members.push_back(var_string("element"));
@@ -85,8 +80,7 @@ vrnvar_shared make(vrn_vm_context&, std::vector<vrnvar_shared>& arguments) {
 }
 
 bool has_error(const script_host& host, const char* error) {
-  const strings errors = host.log->texts(vrn_log_level::error);
-  return std::find(errors.begin(), errors.end(), error) != errors.end();
+  return std::ranges::count(host.log->texts(vrn_log_level::error), error) > 0;
 }
 
 // Lets so many requests fail, from the given one on; false when there are not that many.
@@ -99,7 +93,7 @@ bool survives(std::size_t request, std::size_t failures) {
   failures_left = failures;
   try {
     host.emplace().files->add("library.vrs", library);
-    host->script.register_std_function("make", make, 1, 1);
+    host->script.register_function("make", make);
     EXPECT_FALSE(host->load(broken_program));
     program = host->load(whole_program);
     if (program) host->run({program});
@@ -126,20 +120,17 @@ bool survives(std::size_t request, std::size_t failures) {
   return failed;
 }
 
-void fail_at_each_request(std::size_t failures) {
+TEST(out_of_memory, at_each_request) {
   set_thread_name("TEST");  // what the thread keeps for it stays
-  bool failed = true;
-  for (std::size_t request = 0; failed; ++request) {
-    SCOPED_TRACE(request);
-    const std::size_t before = blocks_out;
-    failed = survives(request, failures);
-    EXPECT_EQ(blocks_out, before);
+  for (const std::size_t failures : {std::size_t{1}, SIZE_MAX}) {
+    bool failed = true;
+    for (std::size_t request = 0; failed; ++request) {
+      const std::size_t before = blocks_out;
+      failed = survives(request, failures);
+      ASSERT_EQ(blocks_out, before) << request;
+    }
   }
 }
-
-TEST(out_of_memory, at_each_request_once) { fail_at_each_request(1); }
-
-TEST(out_of_memory, from_each_request_on) { fail_at_each_request(SIZE_MAX); }
 
 }  // namespace
 }  // namespace vorn::test

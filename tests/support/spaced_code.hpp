@@ -2,12 +2,7 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdlib>
-#include <memory>
-#include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
 
 #include "compiler/instruction.hpp"
 #include "tests/support/script_host.hpp"
@@ -37,12 +32,10 @@ class remains {
   void add(const script_host& host, unsigned every) {
     constexpr std::string_view executed = "Executed ";
     for (const log_record& record : host.log->records) {
-      if (record.text.starts_with("TASK ")) continue;
-      if (!record.text.starts_with(executed)) {
-        add(record.text);
-      } else {
-        add(std::to_string(std::stoul(record.text.substr(executed.size())) / every));
-      }
+      const std::string& text = record.text;
+      if (text.starts_with("TASK ")) continue;
+      const bool counts = text.starts_with(executed);
+      add(counts ? std::to_string(std::stoul(text.substr(executed.size())) / every) : text);
     }
     add(std::to_string(live_objects(host.script)));
   }

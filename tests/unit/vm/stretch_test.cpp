@@ -14,9 +14,8 @@ class script_writer {
   explicit script_writer(unsigned seed) : random_(seed) {}
 
   std::string script() {
-    std::string text =
-        "a = b = 3; c = \"t\"; d = x = z = 0.5;\nsum(x, y) { x + y * a; z = x }\njoin(x) { sum(x, "
-        "b); x + \"g\" }\n";
+    std::string text = "a = b = 3; c = 't'; d = x = z = 0.5; long = '" + std::string(200, 'x') +
+                       "';\nsum(x, y) { x + y * a; z = x }\njoin(x) { sum(x, b); x + 'g' }\n";
     for (unsigned count = below(40); count > 0; --count) {
       text += (below(4) > 0 ? variable() + " = " : "") + expression(below(5)) + ";\n";
     }
@@ -24,32 +23,20 @@ class script_writer {
   }
 
  private:
-  unsigned below(unsigned bound) { return static_cast<unsigned>(random_() % bound); }
+  unsigned below(std::size_t bound) { return static_cast<unsigned>(random_() % bound); }
+  std::string any(const auto& list) { return list[below(std::size(list))]; }
   std::string variable() { return {"abcdxz"[below(6)]}; }
 
   std::string expression(unsigned depth) {
-    static const std::string constants[] = {"0",
-                                            "7",
-                                            "9223372036854775807",
-                                            "2.5",
-                                            "\"12\"",
-                                            "\"\"",
-                                            "\"" + std::string(200, 'x') + "\""};
-    static const std::string functions[] = {"abs", "vtype", "print", "max", "sleep", "join"};
-    if (depth == 0) return below(2) > 0 ? variable() : constants[below(std::size(constants))];
+    const char* const constants[] = {"0", "7", "9223372036854775807", "2.5", "'12'", "''", "long"};
+    const char* const functions[] = {"abs", "vtype", "print", "max", "sleep", "join"};
+    if (depth == 0) return below(2) > 0 ? variable() : any(constants);
     const std::string operand = expression(depth - 1);
-    switch (below(8)) {
-      case 0:
-        return functions[below(std::size(functions))] + "(" + operand + ")";
-      case 1:
-        return "(" + variable() + " = " + operand + ")";
-      case 2:
-        return "sum(" + operand + ", " + variable() + ")";
-      case 3:
-        return "(-" + operand + ")";
-      default:
-        return "(" + operand + " " + "+-*/+"[below(5)] + " " + expression(depth - 1) + ")";
-    }
+    const std::string calls[] = {any(functions) + "(" + operand + ")",
+                                 "(" + variable() + " = " + operand + ")",
+                                 "sum(" + operand + ", " + variable() + ")", "(-" + operand + ")"};
+    if (below(2) == 0) return any(calls);
+    return "(" + operand + " " + "+-*/+"[below(5)] + " " + expression(depth - 1) + ")";
   }
 
   std::mt19937 random_;

@@ -6,12 +6,9 @@
 #include <filesystem>
 #include <map>
 #include <sstream>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include "tests/support/script_host.hpp"
 #include "vm/interpreter_state.hpp"
@@ -59,10 +56,9 @@ class value_test : public testing::Test {
 
 TEST_F(value_test, every_type_becomes_every_type) {
   for (int pair = 0; pair < 12 * 12; ++pair) {
-    const auto from = static_cast<vrn_type>(pair / 12);
     const auto to = static_cast<vrn_type>(pair % 12);
     const vrnvar_shared source = filled(to);
-    const vrnvar_shared changed = filled(from);
+    const vrnvar_shared changed = filled(static_cast<vrn_type>(pair / 12));
     const vrnvar_shared fresh = var_none();
     fresh->set_type(to);
     changed->set_type(to);
@@ -121,16 +117,15 @@ TEST_F(value_test, long_chains_and_deep_nests) {
   var_none()->copy_from(nest.get());
 }
 
-// Sets a locale that writes a comma for the point, made in a folder of its own; false where there
-// is no way to make one.
+// Sets a locale that writes a comma for the point; false where there is no way to make one.
 bool set_comma_locale() {
-  const std::string folder = testing::TempDir() + "vornscript_locale." + std::to_string(getpid());
-  const std::string rules = "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \"\"\nEND LC_NUMERIC";
-  const std::string make = "mkdir -p " + folder + " && cd " + folder + " && echo '" + rules +
-                           "' >rules && localedef -c -i rules ./comma 2>/dev/null";
-  static_cast<void>(std::system(make.c_str()) == 0);  // it warns
-  setenv("LOCPATH", folder.c_str(), 1);
-  const bool is_set = std::setlocale(LC_NUMERIC, "comma") != nullptr;
+  std::string folder = testing::TempDir() + "vornscript_locale.XXXXXX";
+  setenv("LOCPATH", mkdtemp(folder.data()), 1);
+  const bool is_set =
+      std::system(
+          "printf 'LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \"\"\nEND LC_NUMERIC' |"
+          "localedef -c -i /dev/stdin \"$LOCPATH/comma\" 2>/dev/null") != -1 &&
+      std::setlocale(LC_NUMERIC, "comma");
   unsetenv("LOCPATH");
   std::filesystem::remove_all(folder);
   return is_set;
@@ -142,13 +137,11 @@ TEST_F(value_test, conversions) {
       "1.5|-1.5|+1.5e2x|-.5|"
       "-|-0|1e+|1e400|-1e400|5e-324|-1e-400|0.0001e313|100000e-400|0x1F|-0X.8p1|0x|0x.p1|0x1p+-2|"
       "0x1p1024|0xfp-1080|0x-1|0xinf|-Infinity|+inf");
-  std::map<std::string, double> floats;
-  for (std::string text; std::getline(rows, text, '|');) {
-    EXPECT_EQ(var_string(text)->get_int(), std::atoll(text.c_str())) << text;
-    floats[text] = std::atof(text.c_str());
-  }
   const bool has_comma = set_comma_locale();
-  for (const auto& [text, number] : floats) {
+  const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);  // a part of the C library
+  for (std::string text; std::getline(rows, text, '|');) {
+    const double number = strtod_l(text.c_str(), nullptr, plain);
+    EXPECT_EQ(var_string(text)->get_int(), std::atoll(text.c_str())) << text;
     EXPECT_EQ(var_string(text)->get_float(), number) << text;
     EXPECT_EQ(std::signbit(var_string(text)->get_float()), std::signbit(number)) << text;
   }
