@@ -241,7 +241,7 @@ class frame_closer {
 std::uint32_t handle_op_call_native(vrn_run_context& context, std::byte* record) {
   vrn_task& task = *context.task;
   const auto* const function = read_field<const vrn_std_function*>(record, 8);
-  vrn_vm_context copy = context;
+  vrn_vm_context copy = static_cast<const vrn_vm_context&>(context);
   const frame_closer closer(task);
   vrnvar_shared result = function->callable(copy, task.argument_frames[task.frame_depth - 1]);
   top(context) = std::move(result);
@@ -260,7 +260,7 @@ std::uint32_t handle_op_call(vrn_run_context& context, std::byte* record) {
     runtime_error_parallel({context, record});
   } else {
     context.task->call_stack.push_back(routine->handle());
-    // Code runs once, so it is in no cache yet.
+    // Most code runs once, so it is in no cache yet.
     __builtin_prefetch(routine->code.get());
     __builtin_prefetch(routine->variables.data());
     routine->active = true;

@@ -1,6 +1,6 @@
 // Stretches: instructions in a row that are executed without a return to the loop in between.
 //
-// The code of a script is straight and runs once, so the processor guesses nearly every indirect
+// The code of a script is straight and mostly runs once, so the processor guesses nearly every indirect
 // call of a handler wrong, and a statement has a dozen. A handler that is followed by enough of
 // what a stretch may hold executes it along with its own instruction.
 //
@@ -136,24 +136,6 @@ class text_room {
   char text_[512];
 };
 
-// Copies an operand into a variable; false when that may touch more than numbers and texts.
-[[gnu::noinline]] bool assign(vrnvar& target, const operand& source) {
-  const vrn_type type = source.content().type;
-  if (source.empty() || std::max(target.type, type) > vrn_type::string) return false;
-  if (source.shared) {
-    target.copy_from(source.value());
-    return true;
-  }
-  if (target.type != type) target.set_type(type);
-  if (type == vrn_type::string) {
-    vrn_number_buffer unused;
-    target.as<vrnvar_ptr_str>()->text.assign(source.text(unused));
-  } else {
-    write_number(target, source.bits, type);
-  }
-  return true;
-}
-
 void put_back(vrnvar_shared& slot, const operand& from) {
   if (from.shared) {
     if (slot.get() != from.value()) slot = vrnvar_shared(from.value());
@@ -229,66 +211,104 @@ class operand_stack {
   std::unique_ptr<operand[]> larger_;
 };
 
+// What some of the instructions do; false when that is none of a stretch.
+
+bool calculate(operand_stack& operands, std::uint32_t opcode, text_room& texts) {
+  if (!operands.has_left()) return false;
+  const number left = operands.left().content();
+  const number right = operands.top().content();
+  if (left.type == vrn_type::integer && right.type == vrn_type::integer) {
+    operands.left() =
+        only_here(of_integers(opcode, left.as_integer(), right.as_integer()), left.type);
+  } else if (is_number(left.type) && is_number(right.type)) {
+    operands.left() =
+        only_here(of_floats(opcode, left.as_float(), right.as_float()), vrn_type::floating);
+  } else if (opcode != op_add || std::max(left.type, right.type) != vrn_type::string ||
+             !texts.join(operands.left(), operands.top())) {
+    return false;
+  }
+  operands.pop();
+  return true;
+}
+
+// Where not both are numbers.
+[[gnu::noinline]] bool copy(vrnvar& target, const operand& source) {
+  const vrn_type type = source.content().type;
+  if (source.empty() || std::max(target.type, type) > vrn_type::string) return false;
+  if (source.shared) {
+    target.copy_from(source.value());
+    return true;
+  }
+  if (target.type != type) target.set_type(type);
+  if (type == vrn_type::string) {
+    vrn_number_buffer unused;
+    target.as<vrnvar_ptr_str>()->text.assign(source.text(unused));
+  } else {
+    write_number(target, source.bits, type);
+  }
+  return true;
+}
+
+bool assign(operand_stack& operands) {
+  if (!operands.has_left() || !operands.left().shared) return false;
+  vrnvar& target = *operands.left().value();
+  const number source = operands.top().content();
+  // A value may be its own source, which changes nothing.
+  if (is_number(source.type) && target.type < vrn_type::primitive_end &&
+      operands.top().bits != operands.left().bits) {
+    write_number(target, source.bits, source.type);
+  } else if (!copy(target, operands.top())) {
+    return false;
+  }
+  operands.pop();
+  return true;
+}
+
+[[gnu::noinline]] bool load_text(operand& top, const vrn_vm_context& context, std::uint32_t index) {
+  const auto* const strings = context.block->strings.get();
+  if (!strings || index >= strings->size()) return false;
+  top = of_text((*strings)[index]);
+  return true;
+}
+
+// Executes the record, which it goes past; false when that is none of a stretch.
+bool execute(operand_stack& operands, text_room& texts, const vrn_vm_context& context,
+             const std::byte*& at) {
+  const auto opcode = read_field<std::uint32_t>(at, 0);
+  if (opcode == op_push) {
+    operands.push();
+    at += size_of<op_push>;
+  } else if (is_one_of(opcode, {op_load_value, op_load_int, op_load_float})) {
+    operands.top() = {read_field<std::uint64_t>(at, 8), 0, 0, opcode == op_load_value,
+                      opcode == op_load_float ? vrn_type::floating : vrn_type::integer};
+    at += size_of<op_load_value>;
+  } else if (is_one_of(opcode, {op_add, op_sub, op_mul, op_div})) {
+    if (!calculate(operands, opcode, texts)) return false;
+    at += size_of<op_add>;
+  } else if (opcode == op_assign) {
+    if (!assign(operands)) return false;
+    at += size_of<op_assign>;
+  } else {
+    if (opcode != op_load_string) return false;
+    if (!load_text(operands.top(), context, read_field<std::uint32_t>(at, 4))) return false;
+    at += size_of<op_load_string>;
+  }
+  return true;
+}
+
 }  // namespace
 
 std::uint32_t run_stretch(vrn_run_context& context, std::byte* const record) {
-  vrn_task& task = *context.task;
-  if (!operand_stack::can_take(task.value_stack.back())) return 0;
+  std::vector<vrnvar_shared>& slots = context.task->value_stack;
+  if (!operand_stack::can_take(slots.back())) return 0;
   operand_stack::room room;
-  operand_stack operands(task.value_stack, room);
+  operand_stack operands(slots, room);
   text_room texts;
-  const auto* const strings = context.block->strings.get();
   const std::byte* const end = context.end;
-  std::byte* at = record;
+  const std::byte* at = record;
   std::uint32_t count = 0;
   try {
-    for (; at < end; ++count) {
-      const auto opcode = read_field<std::uint32_t>(at, 0);
-      if (opcode == op_push) {
-        operands.push();
-        at += size_of<op_push>;
-      } else if (is_one_of(opcode, {op_load_value, op_load_int, op_load_float})) {
-        operands.top() = {read_field<std::uint64_t>(at, 8), 0, 0, opcode == op_load_value,
-                          opcode == op_load_float ? vrn_type::floating : vrn_type::integer};
-        at += size_of<op_load_value>;
-      } else if (is_one_of(opcode, {op_add, op_sub, op_mul, op_div})) {
-        if (!operands.has_left()) break;
-        const number left = operands.left().content();
-        const number right = operands.top().content();
-        if (left.type == vrn_type::integer && right.type == vrn_type::integer) {
-          operands.left() = only_here(of_integers(opcode, left.as_integer(), right.as_integer()),
-                                      vrn_type::integer);
-        } else if (is_number(left.type) && is_number(right.type)) {
-          operands.left() =
-              only_here(of_floats(opcode, left.as_float(), right.as_float()), vrn_type::floating);
-        } else if (opcode != op_add || std::max(left.type, right.type) != vrn_type::string ||
-                   !texts.join(operands.left(), operands.top())) {
-          break;
-        }
-        operands.pop();
-        at += size_of<op_add>;
-      } else if (opcode == op_assign) {
-        if (!operands.has_left() || !operands.left().shared) break;
-        vrnvar& target = *operands.left().value();
-        const number source = operands.top().content();
-        // A value may be its own source, which changes nothing.
-        if (is_number(source.type) && target.type < vrn_type::primitive_end &&
-            operands.top().bits != operands.left().bits) {
-          write_number(target, source.bits, source.type);
-        } else if (!assign(target, operands.top())) {
-          break;
-        }
-        operands.pop();
-        at += size_of<op_assign>;
-      } else if (opcode == op_load_string) {
-        const auto index = read_field<std::uint32_t>(at, 4);
-        if (!strings || index >= strings->size()) break;
-        operands.top() = of_text((*strings)[index]);
-        at += size_of<op_load_string>;
-      } else {
-        break;
-      }
-    }
+    while (at < end && execute(operands, texts, context, at)) ++count;
   } catch (...) {
     context.thrower = at;
     throw;
