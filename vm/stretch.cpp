@@ -1,8 +1,8 @@
 // Stretches: instructions in a row that are executed without a return to the loop in between.
 //
-// The code of a script is straight and mostly runs once, so the processor guesses nearly every indirect
-// call of a handler wrong, and a statement has a dozen. A handler that is followed by enough of
-// what a stretch may hold executes it along with its own instruction.
+// The code of a script is straight and mostly runs once, so the processor guesses nearly every
+// indirect call of a handler wrong, and a statement has a dozen. A handler that is followed by
+// enough of what a stretch may hold executes it along with its own instruction.
 //
 // What may be in it: pushes; loads of numbers, of texts and of the routine's own variables;
 // arithmetic on two numbers; the joining of short texts and numbers; assignments where both sides
