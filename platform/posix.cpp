@@ -1,7 +1,6 @@
 #include "platform/platform.hpp"
 
 #include <fcntl.h>
-#include <locale.h>
 #include <poll.h>
 #include <pthread.h>
 #include <stdio_ext.h>
@@ -10,6 +9,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <clocale>
 #include <csignal>
 #include <cstddef>
 #include <cstdio>
