@@ -103,7 +103,9 @@ TEST_F(limits_test, defines_nest_and_multiply_within_bounds) {
 TEST_F(limits_test, long_lines_are_shown_in_part) {
   const auto a = [](int bytes) { return repeated("a;", bytes / 2); };
   const auto blanks = [](int count) { return repeated(" ", count); };
-  const std::string wrong = "x y;", e = "\u00e9", euro = "\u20ac";
+  const std::string wrong = "x y;";
+  const std::string e = "\u00e9";
+  const std::string euro = "\u20ac";
   const std::tuple<std::string, std::string, int> rows[] = {
       {a(1020) + wrong, a(1020) + wrong, 1020},
       {a(900) + "\nc" + a(513) + wrong + a(9000), a(512) + wrong + a(508), 512},
