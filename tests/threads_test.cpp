@@ -28,8 +28,9 @@ TEST(threads_test, four_interpreters_at_once) {
     }
     EXPECT_EQ(live_objects(host.script), 0U);
   };
-  std::vector<std::jthread> threads;
-  for (int first = 0; first < 4; ++first) threads.emplace_back(work, first);
+  std::jthread threads[4];
+  int first = 0;
+  for (auto& thread : threads) thread = std::jthread(work, first++);
 }
 
 // Nothing is done but to say so; an interpreter that ends elsewhere releases what it has.
