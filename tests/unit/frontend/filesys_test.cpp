@@ -24,7 +24,8 @@ TEST(filesys, finds_along_the_search_paths) {
   const char* const rows[][2] = {
       {"a", "a"},   {"b", "own/b"}, {"c", "one/c"}, {"c\\d/", "two/c/d"}, {"c:\\x\\y/", "c:/x/y/"},
       {"none", ""}, {"", ""}};
-  const std::string own = "own\\", none;
+  const std::string own = "own\\";
+  const std::string none;
   for (const auto& [name, found] : rows) EXPECT_EQ(files.find_file(name, &own), found) << name;
   EXPECT_EQ(files.find_file("b"), "zero/b");
   files.search_paths = {[] { return "one"; }};
