@@ -56,7 +56,7 @@ TEST(vrnscript_test, ends_before_its_programs) {
 TEST(vrnscript_test, programs_keep_the_native_functions_that_they_call) {
   script_host host;
   std::vector<vrn_program> programs;
-  for (const std::string text : {"first", "second"}) {
+  for (const std::string_view text : {"first", "second"}) {
     host.script.register_function("mine", [text] { return text; });
     programs.push_back(host.load("print(mine())"));
   }
@@ -67,7 +67,8 @@ TEST(vrnscript_test, programs_keep_the_native_functions_that_they_call) {
 // It gives back its argument only where nobody else holds it.
 TEST(vrnscript_test, print_gives_a_text_of_its_own) {
   script_host host;
-  host.script.register_function("change", [](vrnvar_shared text) { text->set_string("changed"); });
+  host.script.register_function("change",
+                                [](const vrnvar_shared& text) { text->set_string("changed"); });
   EXPECT_EQ(host.output_of("x = 'a'; change(print(x)); print(x);"), (strings{"a", "a"}));
 }
 
