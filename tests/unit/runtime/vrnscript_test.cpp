@@ -21,7 +21,7 @@ using test::script_host;
 TEST(vrnscript_test, one_for_each_thread) {
   const script_host host;
   try {
-    vrnscript({});
+    const vrnscript second({});
     ADD_FAILURE();
   } catch (const std::runtime_error& refusal) {
     EXPECT_STREQ(refusal.what(), "There can only be one script interpreter per thread!");
