@@ -233,7 +233,7 @@ vrn_program create_bytecode(vrnscript& script, std::shared_ptr<vrn_ast> ast,
   program->ast = std::move(ast);
   instruction_count = 0;
   vrn_code_generator generator(script, instruction_count, program->ast->node_count,
-                               script.on_report() ? program->ast : nullptr);
+                               program->ast->source->notes_places ? program->ast : nullptr);
   if (!generator.compile_list(*program->main, program->ast->nodes)) return {};
   const auto elapsed = static_cast<std::int64_t>(script.clock().wall_ms() - start);
   log_line(vrn_log_level::log, "Bytecode creation took ", elapsed, " ms (", instruction_count,

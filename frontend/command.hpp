@@ -11,10 +11,9 @@
 namespace vorn {
 
 enum class vrn_command_kind : std::uint32_t {
-  ordinary = 1,
-  define = 2,       // tokens: the name, then the body
-  conditional = 3,  // tokens: if ( ) { } [else if ( ) { }]... [else { }]
-  loop = 4,         // tokens: for ( ) { }
+#define VRN_COMMAND_KIND(number, name) name = number,
+#include "frontend/command_kinds.def"
+#undef VRN_COMMAND_KIND
 };
 
 // Where a command's tokens lie in the token map. They hold no line ends. The bodies of conditionals

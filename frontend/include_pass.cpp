@@ -34,6 +34,7 @@ std::shared_ptr<vrn_src_token_view> open_view(const std::string& path, std::stri
   auto view = std::make_shared<vrn_src_token_view>();
   view->name = path;
   view->directory = directory_of(path);
+  view->notes_places = includer.notes_places;
   view->set_text(std::move(text));
   view->parent = &includer;
   view->included_at = operand;
@@ -77,6 +78,7 @@ class include_pass {
   std::uint32_t include(vrn_src_token_view& includer, const vrn_src_token& operand) {
     const std::string name = file_name_of(operand.text());
     const std::string path = find_file(name, includer);
+    if (main_.notes_places) main_.operands.push_back({operand, spliced_.size(), path});
     if (path.empty()) {
       report_file_not_found(operand, name);
       return 0;
@@ -98,6 +100,7 @@ class include_pass {
     const auto view = open_view(path, *std::move(text), includer, operand);
     const vrn_scan scan = scan_tokens(*view);
     if (scan.lines == 0) return 0;
+    includer.includes.push_back(view);
     const std::size_t first = spliced_.size();
     const std::uint32_t lines = view->tokens.empty() ? 0 : scan.lines + splice(*view);
     if (spliced_.size() == first) {
@@ -105,7 +108,6 @@ class include_pass {
       return lines;
     }
     end_last_line(*view);
-    includer.includes.push_back(view);
     return lines;
   }
 

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "frontend/code_point.hpp"
-#include "frontend/report_callback.hpp"
 
 namespace vorn {
 
@@ -28,7 +27,7 @@ std::uint32_t vrn_src_token::end() const {
 }
 
 void vrn_src_token_view::set_text(std::string bytes) {
-  text = normalise_source(std::move(bytes), report_callback() ? &tabs : nullptr);
+  text = normalise_source(std::move(bytes), notes_places ? &tabs : nullptr);
 }
 
 // A place among the blanks counts from their begin; there are at least as many of them as tabs.

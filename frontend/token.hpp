@@ -1,6 +1,7 @@
 // Tokens and the token map of a source file.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -56,6 +57,13 @@ struct vrn_src_token {
 };
 static_assert(sizeof(vrn_src_token) == 24);
 
+// What an include directive names, which is no token of the map.
+struct vrn_include_operand {
+  vrn_src_token token;
+  std::size_t before;  // the position of the token that follows, after the inclusion
+  std::string path;    // of the file that it was found to be; empty when there is none
+};
+
 // The token map of one source file. Owns the tokens and the text that they lie in, and the views of
 // the files that it includes, whose tokens stand among its own.
 struct vrn_src_token_view {
@@ -67,19 +75,23 @@ struct vrn_src_token_view {
   // again for the same line, it need not look for the end.
   std::string_view line_text(std::uint32_t line) const;
 
-  // Sets the text, normalised. The runs of tabs are noted if somebody may ask for offsets.
+  // Sets the text, normalised.
   void set_text(std::string bytes);
 
   // What an offset in the text is in the file as it was read.
   std::uint32_t offset_in_file(std::uint32_t at) const;
 
-  std::string text;               // normalised; not changed once there are tokens
-  std::vector<vrn_tab_run> tabs;  // empty unless reports go to a callback
-  std::string name;               // the file's canonical path, or "<memory>"
+  std::string text;  // normalised; not changed once there are tokens
+  // Whether somebody may ask where in the file as it was read something stands. Set before the
+  // text; what is noted for that stays empty otherwise.
+  bool notes_places = false;
+  std::vector<vrn_tab_run> tabs;
+  std::string name;  // the file's canonical path, or "<memory>"
   std::string directory;
   std::vector<vrn_src_token> tokens;
   std::unordered_map<std::string, std::shared_ptr<std::string>> included;  // of the main file
-  std::vector<std::uint32_t> lines;  // where line n+1 begins in the text
+  std::vector<vrn_include_operand> operands;  // of the main file, noted like the tabs
+  std::vector<std::uint32_t> lines;           // where line n+1 begins in the text
   std::vector<std::shared_ptr<vrn_src_token_view>> includes;
   const vrn_src_token_view* parent = nullptr;  // null for the main file
   vrn_src_token included_at{};                 // the operand that named this file in the parent

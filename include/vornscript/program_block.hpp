@@ -105,7 +105,7 @@ class vrn_program_block_routine final
   std::shared_ptr<name_map> names;
 
   // Where the code of each statement ends, and the statements themselves, which keep their tree.
-  // Empty unless reports go to a callback.
+  // Empty unless reports go to a callback, or the program is being inspected.
   std::vector<std::uint32_t> statement_ends;
   std::shared_ptr<const vrn_ast_statement> statements;
 

@@ -12,6 +12,7 @@
 
 #include <vornscript/clock.hpp>
 #include <vornscript/filesys.hpp>
+#include <vornscript/inspect.hpp>
 #include <vornscript/log.hpp>
 #include <vornscript/log_default.hpp>
 #include <vornscript/native.hpp>
