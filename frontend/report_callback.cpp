@@ -18,13 +18,17 @@ const vrn_report_callback* report_callback() {
 void call_back(const vrn_report_callback& callback, vrn_report_kind kind, std::string_view message,
                const vrn_src_place& place, vrn_task* task) {
   vrn_report report{kind, message, {place.file_name, place.line, place.column}, 0, 0, {}, task};
-  std::vector<vrn_report_place> chain;
+  std::vector<vrn_report_inclusion> chain;
   if (const vrn_src_token_view* source = place.source) {
     report.offset = source->offset_in_file(place.begin);
     report.length = source->offset_in_file(place.end) - report.offset;
     for (; source->parent; source = source->parent) {
-      const vrn_src_token& included_at = source->included_at;
-      chain.push_back({source->parent->name, included_at.line(), included_at.column});
+      const vrn_src_token& operand = source->included_at;
+      const vrn_src_token_view& includer = *source->parent;
+      const std::size_t offset = includer.offset_in_file(operand.index());
+      chain.push_back({{includer.name, operand.line(), operand.column},
+                       offset,
+                       includer.offset_in_file(operand.end()) - offset});
     }
     std::reverse(chain.begin(), chain.end());
     report.included_from = chain;

@@ -63,11 +63,13 @@ void end_console() noexcept;
 
 // Writes to standard error, unbuffered, with one call; waits as the console does.
 void write_error(std::string_view text) noexcept;
+bool error_is_terminal() noexcept;
 
 // From here on, the user's first wish to end the program (an interrupt or a termination signal) is
 // only noted; the second ends it at once. A signal that is ignored stays so. Called by the main
 // thread.
 void install_stop_signals() noexcept;
-bool stop_requested() noexcept;
+// The number of the signal that said so; 0 while there is none.
+int stop_requested() noexcept;
 
 }  // namespace vorn::platform

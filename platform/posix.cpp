@@ -112,11 +112,11 @@ bool ignored(int signal) noexcept {
   return action.sa_handler == SIG_IGN;
 }
 
-std::atomic<bool> stop_flag{false};
-static_assert(std::atomic<bool>::is_always_lock_free, "set by a signal handler");
+std::atomic<int> stop_signal{0};
+static_assert(std::atomic<int>::is_always_lock_free, "set by a signal handler");
 
-void handle_stop(int) {
-  stop_flag.store(true, std::memory_order_relaxed);
+void handle_stop(int received) {
+  stop_signal.store(received, std::memory_order_relaxed);
   for (const int number : stop_signals) {
     if (!ignored(number)) signal(number, SIG_DFL);
   }
@@ -201,6 +201,8 @@ void end_console() noexcept {
 
 void write_error(std::string_view text) noexcept { write_stream(stderr, text); }
 
+bool error_is_terminal() noexcept { return isatty(STDERR_FILENO) != 0; }
+
 void install_stop_signals() noexcept {
   struct sigaction action {};
   action.sa_handler = handle_stop;
@@ -211,6 +213,6 @@ void install_stop_signals() noexcept {
   }
 }
 
-bool stop_requested() noexcept { return stop_flag.load(std::memory_order_relaxed); }
+int stop_requested() noexcept { return stop_signal.load(std::memory_order_relaxed); }
 
 }  // namespace vorn::platform

@@ -25,6 +25,12 @@ struct vrn_report_place {
   std::uint32_t column = 0;  // from 0, in characters, a tab counted as the blanks up to its stop
 };
 
+// An include directive: its operand's place, and the same in bytes of the file as it was read.
+struct vrn_report_inclusion : vrn_report_place {
+  std::size_t offset = 0;
+  std::size_t length = 0;
+};
+
 // A report that is being made. What it refers to is valid during the call only.
 struct vrn_report {
   vrn_report_kind kind;
@@ -36,7 +42,7 @@ struct vrn_report {
   std::size_t offset = 0;
   std::size_t length = 0;
   // Where the place's file was included, the main file first.
-  std::span<const vrn_report_place> included_from = {};
+  std::span<const vrn_report_inclusion> included_from = {};
   vrn_task* task = nullptr;  // null for syntax reports
 };
 
