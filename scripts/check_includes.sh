@@ -16,6 +16,7 @@ declare -A knows=(
   [stdlib]="include platform memory vm compiler"
   [runtime]="include platform memory frontend parser vm compiler stdlib"
   [host]="include platform"
+  [tools]="include platform"
   [examples]="include"
   [bench]="include platform memory frontend parser vm compiler"
   [fuzz]="include platform memory frontend parser vm compiler stdlib tests"
