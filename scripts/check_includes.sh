@@ -24,7 +24,7 @@ declare -A knows=(
 )
 
 # "includer included" for each include of a file of ours; public headers stand in include/.
-edges=$(scripts/sources.sh | xargs grep -HE '^#include ["<][^">]+[.](hpp|def)[">]' |
+edges=$(scripts/sources.sh | xargs grep -HE '^#include ("[^"]+|<vornscript/[^>]+)[.](hpp|def)[">]' |
   sed -E 's|^([^:]+):#include ["<]([^">]+)[">].*|\1 \2|; s| vornscript/| include/vornscript/|')
 
 wrong=0

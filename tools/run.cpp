@@ -62,10 +62,10 @@ constexpr std::uint64_t longest_sleep_ms = 50;
 int sleep_until(const vrn_clock& clock, std::uint64_t due_ms, std::uint64_t deadline) {
   for (;;) {
     if (const int signal = platform::stop_requested()) return signalled + signal;
-    const std::uint64_t now_ns = platform::monotonic_ns();
-    if (now_ns >= deadline) return timed_out;
     const std::uint64_t now_ms = clock.wall_ms();
     if (now_ms >= due_ms) return finished;
+    const std::uint64_t now_ns = platform::monotonic_ns();
+    if (now_ns >= deadline) return timed_out;
     platform::flush_console();
     const std::uint64_t left_ms = (deadline - now_ns) / 1'000'000 + 1;
     platform::sleep_ms(
