@@ -82,7 +82,6 @@ int run_tasks(vrnscript& script, std::uint64_t deadline) {
 }
 
 int run(const run_options& options) {
-  platform::install_stop_signals();
   const auto log = std::make_shared<script_log>();
   std::shared_ptr<vrn_log_base> shown = log;
   if (options.verbose) shown = std::make_shared<vrn_log_default>();
@@ -101,6 +100,8 @@ int run(const run_options& options) {
     if (!any_report && !options.verbose) write_error_line(log->first_error());
     return not_loaded;
   }
+  // Until here a signal ends the process at once: standard input may be a terminal.
+  platform::install_stop_signals();
   const auto task = task_create(program);
   task_run(*task, 0);
   const int ended = run_tasks(script, deadline_ns(options.timeout));
