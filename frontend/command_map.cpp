@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include <vornscript/language.hpp>
+
 #include "frontend/command_builder.hpp"
 #include "frontend/nesting.hpp"
 #include "frontend/report.hpp"
@@ -41,9 +43,9 @@ bool vrn_command_builder::build_command(std::uint32_t end, vrn_token_kind enclos
   const vrn_src_token& first = tokens_[at_];
   if (first.is_symbol("#")) return build_define(end, command);
   if (first.kind == vrn_token_kind::word) {
-    if (first.text() == "if") return build_conditional(end, enclosing, command);
-    if (first.text() == "for") return build_loop(end, enclosing, command);
-    if (first.text() == "else") {
+    if (first.text() == words::if_) return build_conditional(end, enclosing, command);
+    if (first.text() == words::for_) return build_loop(end, enclosing, command);
+    if (first.text() == words::else_) {
       report_else_without_if(first);
       return false;
     }

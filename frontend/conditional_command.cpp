@@ -1,6 +1,8 @@
 // Conditionals and loops: keywords, headers and bodies, gathered into one command.
 #include <utility>
 
+#include <vornscript/language.hpp>
+
 #include "frontend/command_builder.hpp"
 #include "frontend/nesting.hpp"
 #include "frontend/report.hpp"
@@ -15,9 +17,9 @@ bool vrn_command_builder::build_conditional(std::uint32_t end, vrn_token_kind en
   const std::size_t first = open_tokens_.size();
   while (true) {
     if (!build_header(end) || !build_body(end, enclosing)) return false;
-    if (!at_word(end, "else")) break;
+    if (!at_word(end, words::else_)) break;
     take_token();
-    if (at_word(end, "if")) continue;
+    if (at_word(end, words::if_)) continue;
     if (!build_body(end, enclosing)) return false;
     break;
   }

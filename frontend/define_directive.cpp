@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include <vornscript/language.hpp>
 #include <vornscript/log.hpp>
 
 #include "frontend/command_builder.hpp"
@@ -29,7 +30,7 @@ std::string define_line(std::span<const vrn_src_token> texts) {
 // It keeps every ";" and "," of the line, unlike an ordinary command.
 bool vrn_command_builder::build_define(std::uint32_t end, vrn_src_command& command) {
   const std::uint32_t sign = at_;
-  if (end - at_ < 3 || !tokens_[at_ + 1].is_word("define") ||
+  if (end - at_ < 3 || !tokens_[at_ + 1].is_word(words::define) ||
       tokens_[at_ + 2].kind != vrn_token_kind::word) {
     report_invalid_directive(tokens_[sign]);
     return false;

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include <vornscript/filesys.hpp>
+#include <vornscript/language.hpp>
 #include <vornscript/log.hpp>
 #include <vornscript/vrnscript.hpp>
 
@@ -59,8 +60,8 @@ class include_pass {
     std::uint32_t lines = 0;
     const std::vector<vrn_src_token> tokens = std::exchange(view.tokens, {});
     for (std::size_t i = 0; i < tokens.size(); ++i) {
-      const bool is_directive =
-          tokens[i].is_symbol("#") && i + 1 < tokens.size() && tokens[i + 1].is_word("include");
+      const bool is_directive = tokens[i].is_symbol("#") && i + 1 < tokens.size() &&
+                                tokens[i + 1].is_word(words::include);
       if (!is_directive) {
         spliced_.push_back(tokens[i]);
         continue;

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include <vornscript/language.hpp>
 #include <vornscript/log.hpp>
 
 #include "frontend/nesting.hpp"
@@ -169,8 +170,8 @@ const vrn_ast_node_function_def_param* vrn_parser::parse_param(const vrn_src_com
 // The word in front says what it is; a word before the braces is its name.
 vrn_node vrn_parser::parse_struct(vrn_src_command_view range) {
   const vrn_src_token& first = range.front();
-  const bool is_class = first.is_word("class");
-  if (!is_class && !first.is_word("struct") && !first.is_word("cstruct")) {
+  const bool is_class = first.is_word(words::class_);
+  if (!is_class && !first.is_word(words::struct_) && !first.is_word(words::cstruct_)) {
     return fail(report_unknown_struct, first);
   }
   if (is_class) log_line(vrn_log_level::log, "class def!");

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include <vornscript/language.hpp>
 #include <vornscript/log.hpp>
 
 #include "frontend/nesting.hpp"
@@ -26,13 +27,13 @@ keyword keyword_of(const vrn_src_token& token) {
   if (token.kind != vrn_token_kind::word) return keyword::none;
   switch (token.extent) {
     case 2:
-      return token.text() == "if" ? keyword::if_ : keyword::none;
+      return token.text() == words::if_ ? keyword::if_ : keyword::none;
     case 3:
-      return token.text() == "for" ? keyword::for_ : keyword::none;
+      return token.text() == words::for_ ? keyword::for_ : keyword::none;
     case 4:
-      return token.text() == "else" ? keyword::else_ : keyword::none;
+      return token.text() == words::else_ ? keyword::else_ : keyword::none;
     case 6:
-      return token.text() == "return" ? keyword::return_ : keyword::none;
+      return token.text() == words::return_ ? keyword::return_ : keyword::none;
     default:
       return keyword::none;
   }

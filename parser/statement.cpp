@@ -1,6 +1,8 @@
 // Conditions, loops and return.
 #include <cstddef>
 
+#include <vornscript/language.hpp>
+
 #include "frontend/report.hpp"
 #include "parser/parser_state.hpp"
 
@@ -16,7 +18,7 @@ bool has_group(vrn_src_command_view range, std::uint32_t at, vrn_token_kind kind
 
 // if ( ) { } [else if ( ) { }]... [else { }]
 vrn_node vrn_parser::parse_condition(vrn_src_command_view range) {
-  if (!range.front().is_word("if")) return fail(report_invalid_condition, range.front());
+  if (!range.front().is_word(words::if_)) return fail(report_invalid_condition, range.front());
   auto* const node = ast_.make<vrn_ast_node_condition>(range.front());
   auto* branch = node;
   for (std::uint32_t at = range.first;;) {
@@ -24,8 +26,8 @@ vrn_node vrn_parser::parse_condition(vrn_src_command_view range) {
     at += 3;
     if (at == range.last) return node;
     const vrn_src_token& keyword = range.token(at++);
-    const bool is_last = at == range.last || !range.token(at).is_word("if");
-    if (!keyword.is_word("else") || (is_last && at + 1 < range.last)) {
+    const bool is_last = at == range.last || !range.token(at).is_word(words::if_);
+    if (!keyword.is_word(words::else_) || (is_last && at + 1 < range.last)) {
       return fail(report_cannot_parse_conditional_block, range.front());
     }
     auto* const otherwise = ast_.make<vrn_ast_node_condition>(is_last ? keyword : range.token(at));

@@ -3,6 +3,7 @@
 #include <memory>
 #include <utility>
 
+#include <vornscript/language.hpp>
 #include <vornscript/vrnscript.hpp>
 
 #include "stdlib/builtins.hpp"
@@ -25,9 +26,19 @@ vrn_ref<vrn_std_function> make_std_function(std::string_view name, vrn_native ca
 }
 
 void add_std_functions(vrnscript& script) {
-#define VRN_BUILTIN(name, min, max) script.register_std_function(#name, builtin::name, min, max);
+#define VRN_BUILTIN(name, min, max, ...) \
+  script.register_std_function(#name, builtin::name, min, max);
 #include "stdlib/builtins.def"
 #undef VRN_BUILTIN
+}
+
+std::span<const vrn_builtin> builtins() {
+  static constexpr vrn_builtin table[] = {
+#define VRN_BUILTIN(name, ...) {#name, __VA_ARGS__},
+#include "stdlib/builtins.def"
+#undef VRN_BUILTIN
+  };
+  return table;
 }
 
 }  // namespace vorn

@@ -10,7 +10,7 @@ namespace vorn::builtin {
 
 using arguments = std::vector<vrnvar_shared>;
 
-#define VRN_BUILTIN(name, min, max) vrnvar_shared name(vrn_vm_context& context, arguments& given);
+#define VRN_BUILTIN(name, ...) vrnvar_shared name(vrn_vm_context& context, arguments& given);
 #include "stdlib/builtins.def"
 #undef VRN_BUILTIN
 

@@ -18,7 +18,7 @@ struct native {
 };
 
 constexpr native natives[] = {
-#define VRN_BUILTIN(name, min, max) {#name, min, max},
+#define VRN_BUILTIN(name, min, max, ...) {#name, min, max},
 #include "stdlib/builtins.def"
 #undef VRN_BUILTIN
 };

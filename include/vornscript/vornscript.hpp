@@ -13,6 +13,7 @@
 #include <vornscript/clock.hpp>
 #include <vornscript/filesys.hpp>
 #include <vornscript/inspect.hpp>
+#include <vornscript/language.hpp>
 #include <vornscript/log.hpp>
 #include <vornscript/log_default.hpp>
 #include <vornscript/native.hpp>
