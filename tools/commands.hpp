@@ -12,5 +12,6 @@ namespace vorn::tool {
 void add_run(CLI::App& program, int& status);
 void add_check(CLI::App& program, int& status);
 void add_dump(CLI::App& program, int& status);
+void add_lsp(CLI::App& program, int& status);
 
 }  // namespace vorn::tool

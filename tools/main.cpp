@@ -26,6 +26,7 @@ int run(int argument_count, char** arguments) {
   vorn::tool::add_run(program, status);
   vorn::tool::add_check(program, status);
   vorn::tool::add_dump(program, status);
+  vorn::tool::add_lsp(program, status);
   try {
     program.parse(argument_count, arguments);
   } catch (const CLI::ParseError& end) {
