@@ -189,7 +189,9 @@ json completions_at(const document& at, std::size_t offset) {
   const symbol_table& table = at.result.symbols;
   const std::uint32_t before = table.token_before(offset);
   const script_token* token = before == none ? nullptr : &table.tokens()[before];
-  if (token && token->kind == token_kind::string && token->end() > offset) return json::array();
+  const bool in_quotes = token && token->end() > offset &&
+                         (token->kind == token_kind::string || token->kind == token_kind::include);
+  if (in_quotes) return json::array();
   std::map<std::string, json> items;
   const auto add = [&](std::string_view label, int kind, const std::string& detail) {
     json& item = items[std::string(label)];
