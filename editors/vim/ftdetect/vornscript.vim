@@ -1,0 +1,1 @@
+autocmd BufRead,BufNewFile *.vrs set filetype=vornscript
