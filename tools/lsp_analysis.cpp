@@ -12,7 +12,7 @@ namespace {
 // So many strings and comments without an end do not keep the tokens behind them from being seen.
 constexpr int repairs_max = 8;
 
-// The tokens of a text, and the operands of its include directives, by line and column.
+// Collects the tokens of a script.
 struct token_reader {
   void add(const vrn_inspected& item) {
     if (item.kind == "end_of_line") {
@@ -24,10 +24,6 @@ struct token_reader {
     if (item.kind == "string") kind = token_kind::string;
     if (item.kind == "include") kind = token_kind::include;
     const std::uint32_t file = number_of(item.place.file);
-    if (kind == token_kind::include && file == 0) {
-      operands.emplace(std::pair(item.place.line, item.place.column),
-                       std::pair(item.offset, item.length));
-    }
     tokens.push_back({.kind = kind,
                       .text = std::string(item.text),
                       .file = file,
@@ -48,7 +44,6 @@ struct token_reader {
   explicit token_reader(const std::string& name) : files{name}, numbers{{name, 0}} {}
 
   std::vector<script_token> tokens;
-  std::map<std::pair<std::uint32_t, std::uint32_t>, std::pair<std::size_t, std::size_t>> operands;
   std::vector<std::string> files;
   std::map<std::string, std::uint32_t, std::less<>> numbers;
   std::uint32_t last_file = 0;
@@ -90,13 +85,11 @@ analysis analyser::analyse(const std::string& text, const std::string& name) {
     result.findings.push_back({std::string(report.place.file), report.offset, report.length,
                                std::string(report.message)});
     if (report.included_from.empty()) return;
-    const vrn_report_place& operand = report.included_from.front();
-    const auto found = reader->operands.find({operand.line, operand.column});
-    if (found == reader->operands.end()) return;
-    result.findings.push_back(
-        {name, found->second.first, found->second.second,
-         std::string(report.place.file) + ":" + std::to_string(report.place.line) + ":" +
-             std::to_string(report.place.column) + ": " + std::string(report.message)});
+    const vrn_report_inclusion& operand = report.included_from.front();
+    std::string message(report.place.file);
+    message += ':' + std::to_string(report.place.line) + ':' + std::to_string(report.place.column);
+    message.append(": ").append(report.message);
+    result.findings.push_back({name, operand.offset, operand.length, std::move(message)});
   };
   vrn_program_loader(script_).create_program(text, name);
 
