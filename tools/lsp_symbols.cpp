@@ -144,19 +144,14 @@ std::uint32_t symbol_table::read_function(std::uint32_t at) {
 // A parameter is the first word behind the opening bracket or a separator; a default may follow.
 void symbol_table::read_parameters(std::uint32_t first, std::uint32_t last,
                                    script_symbol& function) {
+  for (std::uint32_t at = first; at <= last; ++at) tokens_[at].scope = open_.back().scope;
   std::vector<std::uint32_t> names;
   bool expected = true;
-  for (std::uint32_t at = first; at <= last; ++at) {
-    tokens_[at].scope = open_.back().scope;
-    if (at > first && tokens_[at].partner != none && at < last) {
-      at = std::max(at, tokens_[at].partner);
-      expected = false;
-    } else if (tokens_[at].is(",") || tokens_[at].is(";")) {
-      expected = true;
-    } else if (at > first) {
-      if (expected && names_something(tokens_[at])) names.push_back(at);
-      expected = false;
-    }
+  for (std::uint32_t at = first + 1; at < last; ++at) {
+    const script_token& token = tokens_[at];
+    if (expected && names_something(token)) names.push_back(at);
+    expected = token.is(",") || token.is(";");
+    if (token.partner != none) at = std::max(at, token.partner);
   }
   for (const std::uint32_t name : names) function.parameters.push_back(tokens_[name].text);
   for (const std::uint32_t name : names) {
