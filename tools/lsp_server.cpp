@@ -1,7 +1,10 @@
 #include "tools/lsp_server.hpp"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <limits>
 #include <stdexcept>
 #include <utility>
 
@@ -34,11 +37,14 @@ std::int64_t whole_number(const json& value) {
   return value.get<std::int64_t>();
 }
 
+std::size_t natural_number(const json& value) {
+  if (!value.is_number_unsigned()) refuse_params();
+  constexpr std::uint64_t largest = std::numeric_limits<std::size_t>::max();
+  return static_cast<std::size_t>(std::min(value.get<std::uint64_t>(), largest));
+}
+
 text_position position_in(const json& value) {
-  if (!value.at("line").is_number_unsigned() || !value.at("character").is_number_unsigned()) {
-    refuse_params();
-  }
-  return {value["line"].get<std::size_t>(), value["character"].get<std::size_t>()};
+  return {natural_number(value.at("line")), natural_number(value.at("character"))};
 }
 
 const std::string& uri_in(const json& params) {

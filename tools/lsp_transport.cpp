@@ -49,7 +49,7 @@ std::optional<std::string> read_message(std::istream& in) {
                                                      : ignored_max);
       return std::string();
     }
-    std::string message(*length, '\0');
+    std::string message(static_cast<std::size_t>(*length), '\0');
     if (in.read(message.data(), static_cast<std::streamsize>(message.size()))) return message;
     break;
   }

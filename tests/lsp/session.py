@@ -1,4 +1,4 @@
-"""Talks to a language server and compares what it answers: session.py VRN LANGUAGE.MD"""
+"""Talks to a language server and compares what it answers: session.py LANGUAGE.MD COMMAND..."""
 import json, os, random, re, subprocess, sys, tempfile
 
 server = None
@@ -7,7 +7,7 @@ shown = {}  # diagnostics by file
 
 def start():
     global server
-    server = subprocess.Popen([sys.argv[1], 'lsp'], stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+    server = subprocess.Popen(sys.argv[2:] + ['lsp'], stdin=subprocess.PIPE, stdout=subprocess.PIPE)
 
 
 def send(body, header=b'Content-Length: %d\r\n\r\n'):
@@ -20,7 +20,7 @@ def receive():
     while True:
         length = int(server.stdout.readline().split(b':')[1])
         server.stdout.readline()
-        message = json.loads(server.stdout.read(length))
+        message = json.loads(server.stdout.read(length).replace(b'Z:/', b'/'))  # Windows' name of the root
         if 'id' in message:
             return message
         params = message['params']
@@ -108,7 +108,7 @@ change(main, {'text': '"\nlater(n) { }\nlater(1);'})
 expect((span(ask('/definition', main, (2, 2))['range']), shown[main]), ('1:0-1:5', [('0:0-0:1', 'unterminated string')]))
 
 # The table of built-in functions.
-rows = re.findall(r'^\| `(\w+)(\(.*\))` \| .* \| (.*) \| (.*) \|$', open(sys.argv[2]).read(), re.M)
+rows = re.findall(r'^\| `(\w+)(\(.*\))` \| .* \| (.*) \| (.*) \|$', open(sys.argv[1]).read(), re.M)
 change(main, {'text': ''})
 expect([each['detail'] for each in ask('/completion', main) if each['kind'] == 3], sorted(row[0] + row[1] for row in rows))
 for name, signature, result, text in rows:
