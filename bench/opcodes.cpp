@@ -19,11 +19,6 @@ namespace {
 
 constexpr std::size_t record_count = 10'000;
 
-template <class T>
-std::uint64_t address_of(T* object) {
-  return reinterpret_cast<std::uintptr_t>(object);
-}
-
 // A routine and a task to run it on, with what any instruction can refer to.
 struct machine {
   machine() {

@@ -187,7 +187,7 @@ void vrn_code_generator::load(vrn_program_block_routine& block, const location& 
     emit(block, op_load_outer_var, at.hops, at.index, std::uint64_t{0});
   } else {
     const vrnvar* const value = block.variables[at.index].get();
-    emit(block, op_load_value, std::uint64_t{reinterpret_cast<std::uintptr_t>(value)});
+    emit(block, op_load_value, address_of(value));
   }
 }
 

@@ -48,7 +48,7 @@ bool vrn_code_generator::compile_native_call(vrn_program_block_routine& block,
   block.natives.insert(function);
   emit(block, op_args_begin, count);
   if (!compile_arguments(block, node, op_arg_set)) return false;
-  emit(block, op_call_native, std::uint64_t{reinterpret_cast<std::uintptr_t>(function.get())});
+  emit(block, op_call_native, address_of(function.get()));
   return true;
 }
 

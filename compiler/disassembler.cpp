@@ -38,12 +38,12 @@ void append_operands(std::string& line, const value_names& names, const std::byt
       return append_part(line, number_text(read_field<double>(record, 8), buffer));
     }
     case vrn_operands::value: {
-      const auto found = names.find(read_field<const vrnvar*>(record, 8));
+      const auto found = names.find(read_address<const vrnvar>(record, 8));
       line += found == names.end() ? "?" : found->second;
       return;
     }
     case vrn_operands::native:
-      line += read_field<const vrn_std_function*>(record, 8)->name;
+      line += read_address<const vrn_std_function>(record, 8)->name;
       return;
     case vrn_operands::outer:
       append_part(line, read_field<std::uint32_t>(record, 4));

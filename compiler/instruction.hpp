@@ -1,16 +1,13 @@
-// Instruction records: an opcode in 32 bits, then its operands, little-endian and without
-// alignment. A record's size follows from its opcode alone.
+// Instruction records: an opcode in 32 bits, then its operands, in the machine's own byte order and
+// without alignment. A record's size follows from its opcode alone.
 #pragma once
 
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
 namespace vorn {
-
-static_assert(std::endian::native == std::endian::little, "instruction fields are little-endian");
 
 enum vrn_opcode : std::uint32_t {
 #define VRN_OP(name, size, operands) name,
@@ -48,6 +45,22 @@ T read_field(const std::byte* record, std::size_t offset) {
 template <class T>
 void write_field(std::byte* record, std::size_t offset, T value) {
   std::memcpy(record + offset, &value, sizeof value);
+}
+
+// Addresses have 64 bits in records, whatever they have elsewhere.
+inline std::uint64_t address_of(const void* object) {
+  return reinterpret_cast<std::uintptr_t>(object);
+}
+
+template <class T>
+T* object_at(std::uint64_t address) {
+  return reinterpret_cast<T*>(static_cast<std::uintptr_t>(address));
+}
+
+// The object whose address stands at an offset of a record.
+template <class T>
+T* read_address(const std::byte* record, std::size_t offset) {
+  return object_at<T>(read_field<std::uint64_t>(record, offset));
 }
 
 }  // namespace vorn

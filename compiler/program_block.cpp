@@ -84,12 +84,12 @@ void vrn_program_block_routine::emit(std::uint32_t opcode, std::uint32_t operand
 }
 
 void vrn_program_block_routine::emit(std::uint32_t opcode, std::uint64_t operand) {
-  append_record(*this, std::uint64_t{opcode}, operand);
+  append_record(*this, opcode, std::uint32_t{0}, operand);
 }
 
 void vrn_program_block_routine::emit(std::uint32_t opcode, std::uint32_t hops, std::uint32_t index,
                                      std::uint64_t cache) {
-  append_record(*this, opcode, hops, std::uint64_t{index}, cache);
+  append_record(*this, opcode, hops, index, std::uint32_t{0}, cache);
 }
 
 vrn_program_block_root::vrn_program_block_root()

@@ -138,11 +138,6 @@ class routine_writer {
         .get();
   }
 
-  template <class T>
-  static std::uint64_t address_of(T* object) {
-    return reinterpret_cast<std::uintptr_t>(object);
-  }
-
   byte_source& source_;
   const std::vector<routine_handle>& routines_;
   const std::vector<vrn_ref<vrn_std_function>>& natives_;

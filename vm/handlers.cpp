@@ -53,7 +53,7 @@ vrnvar_shared pop(vrn_run_context& context) {
 vrnvar* top_value(vrn_run_context& context) { return deref_value(top(context).get()); }
 
 std::uint32_t handle_op_load_value(vrn_run_context& context, std::byte* record) {
-  top(context) = vrnvar_shared(read_field<vrnvar*>(record, 8));
+  top(context) = vrnvar_shared(read_address<vrnvar>(record, 8));
   return and_stretch<op_load_value>(context, record);
 }
 
@@ -66,7 +66,7 @@ vrn_program_block_routine* outer_routine(vrn_program_block_base* block, std::uin
 }
 
 std::uint32_t handle_op_load_outer_var(vrn_run_context& context, std::byte* record) {
-  auto* value = read_field<vrnvar*>(record, 16);
+  auto* value = read_address<vrnvar>(record, 16);
   if (!value) {
     const auto* routine = outer_routine(context.block, read_field<std::uint32_t>(record, 4));
     const auto index = read_field<std::uint32_t>(record, 8);
@@ -79,7 +79,7 @@ std::uint32_t handle_op_load_outer_var(vrn_run_context& context, std::byte* reco
       return size_of<op_load_outer_var>;
     }
     value = routine->variables[index].get();
-    write_field(record, 16, value);
+    write_field(record, 16, address_of(value));
   }
   top(context) = vrnvar_shared(value);
   return and_stretch<op_load_outer_var>(context, record);
@@ -240,7 +240,7 @@ class frame_closer {
 
 std::uint32_t handle_op_call_native(vrn_run_context& context, std::byte* record) {
   vrn_task& task = *context.task;
-  const auto* const function = read_field<const vrn_std_function*>(record, 8);
+  const auto* const function = read_address<const vrn_std_function>(record, 8);
   vrn_vm_context copy = static_cast<const vrn_vm_context&>(context);
   const frame_closer closer(task);
   vrnvar_shared result = function->callable(copy, task.argument_frames[task.frame_depth - 1]);

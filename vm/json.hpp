@@ -25,7 +25,7 @@ struct vrnjson {
   vrn_text key;
   std::uint64_t word = 0;  // carried along; read by nobody
 };
-static_assert(sizeof(vrnjson) == 56);
+static_assert(sizeof(void*) != 8 || sizeof(vrnjson) == 56);
 
 // Needs no alignment. The first seven keyed members are found by looking at each; from the eighth
 // on a hash table on the heap takes over.
@@ -67,6 +67,7 @@ class vrn_json_container {
   vrn_unaligned<std::uint32_t> table_capacity_;  // 0 or a power of two
   vrn_unaligned<vrnjson*> keys_[inline_keys];
 };
-static_assert(sizeof(vrn_json_container) == 88 && alignof(vrn_json_container) == 1);
+static_assert(sizeof(void*) != 8 || sizeof(vrn_json_container) == 88);
+static_assert(alignof(vrn_json_container) == 1);
 
 }  // namespace vorn

@@ -39,7 +39,7 @@ struct vrnvar_ptr_json {
   std::uint8_t slot = 255;
   vrn_json_container members;
 };
-static_assert(sizeof(vrnvar_ptr_json) == 89);
+static_assert(sizeof(void*) != 8 || sizeof(vrnvar_ptr_json) == 89);
 
 // Of a function: the routine that a call enters. Of a class: its members too.
 struct vrnvar_ptr_function {
@@ -66,6 +66,6 @@ struct vrnvar_ptr_function {
   std::uint8_t padding[7] = {};
   std::uint8_t slot = 255;
 };
-static_assert(sizeof(vrnvar_ptr_function) == 48);
+static_assert(sizeof(void*) != 8 || sizeof(vrnvar_ptr_function) == 48);
 
 }  // namespace vorn

@@ -45,13 +45,6 @@
 namespace vorn {
 namespace {
 
-std::uint64_t address_of(const void* object) { return reinterpret_cast<std::uintptr_t>(object); }
-
-template <class T>
-T* object_at(std::uint64_t address) {
-  return reinterpret_cast<T*>(static_cast<std::uintptr_t>(address));
-}
-
 bool is_number(vrn_type type) { return type == vrn_type::integer || type == vrn_type::floating; }
 
 struct number {

@@ -31,12 +31,10 @@ struct vrn_value_pools {
   texts strings;
 };
 
-#if defined(__linux__) && defined(__LP64__)
-static_assert(sizeof(vrn_pool_chunk_dynamic<vrnvar>) == 4340);
-static_assert(sizeof(vrn_pool_chunk_dynamic<vrnjson>) == 14540);
-static_assert(sizeof(vrn_pool_chunk_static<vrnvar_ptr_json>) == 22956);
-static_assert(sizeof(vrn_pool_chunk_static<vrnvar_ptr_str>) == 8676);
-static_assert(sizeof(vrn_pool_chunk_static<vrnvar_ptr_function>) == 12504);
-#endif
+static_assert(sizeof(void*) != 8 || sizeof(vrn_pool_chunk_dynamic<vrnvar>) == 4340);
+static_assert(sizeof(void*) != 8 || sizeof(vrn_pool_chunk_dynamic<vrnjson>) == 14540);
+static_assert(sizeof(void*) != 8 || sizeof(vrn_pool_chunk_static<vrnvar_ptr_json>) == 22956);
+static_assert(sizeof(void*) != 8 || sizeof(vrn_pool_chunk_static<vrnvar_ptr_str>) == 8676);
+static_assert(sizeof(void*) != 8 || sizeof(vrn_pool_chunk_static<vrnvar_ptr_function>) == 12504);
 
 }  // namespace vorn

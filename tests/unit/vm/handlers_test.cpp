@@ -82,7 +82,7 @@ TEST_F(handlers_test, arguments_are_shared) {
     return given[1];
   };
   const auto record = make_std_function("change", change, 0, 9);
-  execute(op_call_native, std::uint64_t{reinterpret_cast<std::uintptr_t>(record.get())});
+  execute(op_call_native, address_of(record.get()));
   EXPECT_EQ(shown(top()) + shown(variable), "none string changed");
   // Until the frame is used again.
   EXPECT_EQ(task_.argument_frames.at(0).at(2).get(), variable.get());
@@ -102,7 +102,7 @@ TEST_F(handlers_test, outer_variables_are_looked_up_once) {
   vrn_program_block_routine inner(&block_);
   inner.emit(op_load_outer_var, 1U, 0U, 0U);
   run(inner, task_);
-  EXPECT_EQ(read_field<vrnvar*>(inner.code->data(), 16), block_.variables[0].get());
+  EXPECT_EQ(read_address<vrnvar>(inner.code->data(), 16), block_.variables[0].get());
 }
 
 TEST_F(handlers_test, outer_variables_that_are_not_there) {
