@@ -1,10 +1,8 @@
 #include "vm/scheduler.hpp"
 
 #include <exception>
-#include <locale>
 #include <memory>
 #include <optional>
-#include <sstream>
 #include <string_view>
 #include <utility>
 
@@ -13,6 +11,7 @@
 #include <vornscript/task.hpp>
 
 #include "compiler/run_report.hpp"
+#include "memory/shown_address.hpp"
 #include "vm/interpreter_state.hpp"
 #include "vm/run.hpp"
 #include "vm/running_task.hpp"
@@ -24,11 +23,7 @@ namespace {
 // A line about a task, which is shown by its address.
 template <class... Parts>
 void log_task(const vrn_task& task, const Parts&... parts) {
-  if (!get_log().enabled(vrn_log_level::verbose)) return;
-  std::ostringstream address;
-  address.imbue(std::locale::classic());
-  address << static_cast<const void*>(&task);
-  log_line(vrn_log_level::verbose, "TASK ", address.str(), parts...);
+  log_line(vrn_log_level::verbose, "TASK ", vrn_shown_address{&task}, parts...);
 }
 
 // The routine that the task goes on with; null when it has gone.
