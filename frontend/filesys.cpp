@@ -1,10 +1,10 @@
 #include <vornscript/filesys.hpp>
 
 #include <algorithm>
-#include <filesystem>
 #include <utility>
 #include <vector>
 
+#include "frontend/path_text.hpp"
 #include "frontend/tab_run.hpp"
 
 namespace vorn {
@@ -40,7 +40,7 @@ void vrn_filesys::create_directory(const std::string&) {}
 void vrn_filesys::remove_all(const std::string&) {}
 
 std::string vrn_filesys::canonical(const std::string& path) const {
-  return std::filesystem::path(path).lexically_normal().string();
+  return text_of(path_of(path).lexically_normal());
 }
 
 void vrn_filesys::search_paths_add(std::string directory) {

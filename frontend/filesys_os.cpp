@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "frontend/path_text.hpp"
 #include "frontend/source_file.hpp"
 #include "platform/platform.hpp"
 
@@ -18,23 +19,26 @@ namespace fs = std::filesystem;
 constexpr int links_max = 40;  // as many as systems follow
 
 // The system ends a name at its first NUL, and would take what is before it for the whole.
-bool names_nothing(const std::string& path) { return path.find('\0') != std::string::npos; }
+bool names_nothing(const std::string& path) {
+  return path.find('\0') != std::string::npos || path_of(path).empty() != path.empty();
+}
 
 void check(const std::error_code& failure, const char* operation, const fs::path& path) {
   if (failure) throw fs::filesystem_error(operation, path, failure);
 }
 
 void check_name(const std::string& path, const char* operation) {
-  if (names_nothing(path)) check(make_error_code(std::errc::invalid_argument), operation, path);
+  if (!names_nothing(path)) return;
+  check(make_error_code(std::errc::invalid_argument), operation, path_of(path));
 }
 
 // A name by which the system gets to the file. Below a folder that may not be searched, or that
 // lies too deep, it does so from the working directory only.
-fs::path reachable(const std::string& path) {
+fs::path reachable(const fs::path& path) {
   std::error_code failure;
   if (fs::status(path, failure).type() != fs::file_type::none) return path;
-  const fs::path below = fs::path(path).lexically_relative(fs::current_path(failure));
-  return below.empty() || *below.begin() == ".." ? fs::path(path) : below;
+  const fs::path below = path.lexically_relative(fs::current_path(failure));
+  return below.empty() || *below.begin() == ".." ? path : below;
 }
 
 // The name without links, for a file that cannot be looked for from the root folder on.
@@ -47,22 +51,23 @@ fs::path resolved_below(fs::path name) {
     if (part == name.end()) break;
     front /= fs::read_symlink(front / *part, failure);
     while (++part != name.end()) front /= *part;
-    name = reachable(front.string());
+    name = reachable(front);
   }
   return name;
 }
 
 // The paths of the entries that are wanted, in order.
 template <class Iterator, class Wanted>
-std::vector<std::string> entries(const std::string& path, const char* opening,
+std::vector<std::string> entries(const std::string& name, const char* opening,
                                  const char* advancing, Wanted wanted) {
-  check_name(path, opening);
+  check_name(name, opening);
+  const fs::path path = path_of(name);
   std::error_code failure;
   std::vector<std::string> found;
   Iterator entry(path, failure);
   check(failure, opening, path);
   while (entry != Iterator()) {
-    if (wanted(*entry)) found.push_back(entry->path().string());
+    if (wanted(*entry)) found.push_back(text_of(entry->path()));
     entry.increment(failure);
     check(failure, advancing, path);
   }
@@ -85,13 +90,13 @@ vrn_filesys_os::vrn_filesys_os() {
   const std::string executable = platform::executable_path();
   if (executable.empty()) throw std::runtime_error("GetModuleFileNameA failed");
   search_paths_add("");
-  search_paths_add((fs::path(directory_of(executable)) / "include").generic_string());
+  search_paths_add(text_of(path_of(directory_of(executable)) / "include"));
 }
 
 void vrn_filesys_os::read(const std::string& path, std::string& bytes) const {
   if (names_nothing(path)) return;
   std::error_code failure;
-  const fs::path name = reachable(path);
+  const fs::path name = reachable(path_of(path));
   if (!fs::is_regular_file(name, failure)) return;
   // Of some files the size is told as 0 though they hold something.
   const std::uintmax_t size = fs::file_size(name, failure);
@@ -107,7 +112,7 @@ void vrn_filesys_os::write(const std::string& path, std::string_view bytes) {
   if (names_nothing(path)) {
     file.setstate(std::ios::failbit);
   } else {
-    file.open(path, std::ios::binary);
+    file.open(path_of(path), std::ios::binary);
   }
   file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   file.close();
@@ -133,32 +138,33 @@ std::vector<std::string> vrn_filesys_os::list_recursive(const std::string& path)
 
 bool vrn_filesys_os::exists(const std::string& path) const {
   std::error_code failure;
-  return !names_nothing(path) && fs::exists(reachable(path), failure);
+  return !names_nothing(path) && fs::exists(reachable(path_of(path)), failure);
 }
 
 void vrn_filesys_os::create_directory(const std::string& path) {
   check_name(path, "create_directories");
   std::error_code failure;
-  fs::create_directories(path, failure);
-  check(failure, "create_directories", path);
+  fs::create_directories(path_of(path), failure);
+  check(failure, "create_directories", path_of(path));
 }
 
 void vrn_filesys_os::remove_all(const std::string& path) {
   check_name(path, "remove_all");
   std::error_code failure;
-  fs::remove_all(path, failure);
-  check(failure, "remove_all", path);
+  fs::remove_all(path_of(path), failure);
+  check(failure, "remove_all", path_of(path));
 }
 
-std::string vrn_filesys_os::canonical(const std::string& path) const {
-  if (path.empty() || names_nothing(path)) return {};
+std::string vrn_filesys_os::canonical(const std::string& name) const {
+  if (name.empty() || names_nothing(name)) return {};
+  const fs::path path = path_of(name);
   std::error_code failure;
   fs::path absolute = fs::absolute(path, failure);
-  if (failure) return fs::path(path).lexically_normal().string();  // no folder is the working one
+  if (failure) return text_of(path.lexically_normal());  // no folder is the working one
   const fs::path resolved = fs::weakly_canonical(absolute, failure);
-  if (!failure) return resolved.string();
+  if (!failure) return text_of(resolved);
   absolute = fs::absolute(resolved_below(reachable(path)), failure);
-  return absolute.lexically_normal().string();
+  return text_of(absolute.lexically_normal());
 }
 
 }  // namespace vorn
