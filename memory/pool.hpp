@@ -20,8 +20,10 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <mutex>
+#include <new>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -52,7 +54,7 @@ class vrn_pool_heap {
   using region = vrn_pool_region<T, Chunk>;
 
   [[gnu::noinline]] static T* take() {
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard lock(mutex());
     if (!current_ || current_->chunk.free_count == 0) current_ = region::create(nullptr);
     Chunk<T>& chunk = current_->chunk;
     T* object = chunk.take(chunk.free_stack[--chunk.free_count]);
@@ -73,7 +75,7 @@ class vrn_pool_heap {
 
   // Takes a chunk over from a pool that is being destroyed.
   static void adopt(region* orphan) {
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard lock(mutex());
     orphan->chunk.magic = 0;
     orphan->owner.store(nullptr, std::memory_order_relaxed);
   }
@@ -81,13 +83,13 @@ class vrn_pool_heap {
  private:
   // The objects of a chunk that came from a pool keep their slot numbers.
   static bool slot_is_right(T* object) noexcept {
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard lock(mutex());
     return object->pool_slot() == heap_slot || region::of(object)->chunk.magic != chunk_alive;
   }
 
   // False when the object's chunk is wholly free.
   static bool put_back(T* object) noexcept {
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard lock(mutex());
     region* home = region::of(object);
     Chunk<T>& chunk = home->chunk;
     if (chunk.free_count == chunk_slots) return false;
@@ -98,7 +100,13 @@ class vrn_pool_heap {
     return true;
   }
 
-  static inline constinit std::mutex mutex_;
+  // Never destroyed: statics that go late may still release what they hold.
+  static std::mutex& mutex() noexcept {
+    alignas(std::mutex) static std::byte storage[sizeof(std::mutex)];
+    static std::mutex& made = *::new (storage) std::mutex;
+    return made;
+  }
+
   static inline constinit region* current_ = nullptr;
 };
 

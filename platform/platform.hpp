@@ -15,10 +15,10 @@ namespace vorn::platform {
 // The system's number of the calling thread, never 0.
 std::uint32_t thread_id() noexcept;
 
-// Has `release` called at the end of the calling thread, when all of its own objects have gone. One
-// function for the whole process; asked for again while that runs, it is called again. The main
-// thread ends with the process, and leaves its memory to the system.
-void at_thread_end(void (*release)(void*)) noexcept;
+// Has `release` called with the object that was given last at the end of the calling thread, when
+// all objects of the thread's own have gone. One function for the whole process. The main thread
+// ends with the process, and leaves its memory to the system.
+void at_thread_end(void (*release)(void*), void* object) noexcept;
 
 // Wall-clock time in units of 100 nanoseconds since 1970-01-01.
 std::uint64_t wall_ticks() noexcept;

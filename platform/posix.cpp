@@ -19,26 +19,16 @@
 #include <optional>
 #include <system_error>
 
+#include "platform/colour.hpp"
+
 namespace vorn::platform {
 namespace {
 
 constexpr std::size_t console_buffer_size = 0x10000;
-constexpr std::string_view default_colour = "\033[0m";
 
 bool coloured() {
   static const bool decided = isatty(STDOUT_FILENO) != 0 && std::getenv("NO_COLOR") == nullptr;
   return decided;
-}
-
-std::string_view colour_of(int attribute) {
-  switch (attribute) {
-    case 4:
-      return "\033[31m";
-    case 6:
-      return "\033[33m";
-    default:
-      return default_colour;
-  }
 }
 
 std::uint64_t read_clock(clockid_t clock, std::uint64_t units_per_second) noexcept {
@@ -125,14 +115,13 @@ void handle_stop(int received) {
 }  // namespace
 
 // The values of keys are looked at after a thread's own objects have been destroyed.
-void at_thread_end(void (*release)(void*)) noexcept {
+void at_thread_end(void (*release)(void*), void* object) noexcept {
   static const auto key = [release]() -> std::optional<pthread_key_t> {
     pthread_key_t made{};
     if (pthread_key_create(&made, release) != 0) return std::nullopt;
     return made;
   }();
-  static char asked_for;
-  if (key) pthread_setspecific(*key, &asked_for);
+  if (key) pthread_setspecific(*key, object);
 }
 
 std::uint32_t thread_id() noexcept { return static_cast<std::uint32_t>(gettid()); }

@@ -1,7 +1,6 @@
 #include <vornscript/thread_state.hpp>
 
 #include <memory>
-#include <utility>
 
 #include "platform/platform.hpp"
 #include "runtime/thread_record.hpp"
@@ -16,8 +15,9 @@ namespace {
 // A plain pointer: an object here would go while others of the thread still log.
 constinit thread_local vrn_thread_record* record = nullptr;
 
-void free_record(void*) {
-  const std::unique_ptr<vrn_thread_record> owned(std::exchange(record, nullptr));
+void free_record(void* held) {
+  record = nullptr;
+  const std::unique_ptr<vrn_thread_record> owned(static_cast<vrn_thread_record*>(held));
 }
 
 }  // namespace
@@ -33,7 +33,7 @@ vrn_thread_record* find_thread_record() noexcept { return record; }
 vrn_thread_record& thread_record() {
   if (!record) {
     record = std::make_unique<vrn_thread_record>().release();
-    platform::at_thread_end(free_record);
+    platform::at_thread_end(free_record, record);
   }
   return *record;
 }
