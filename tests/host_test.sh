@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Runs the host program ($1) in the situations in which a user meets it.
+# Runs the host program, by the command that is given, in the situations in which a user meets it.
 set -uo pipefail
 
-host=$(realpath "$1")
+host=("${@:1:$#-1}" "$(realpath "${!#}")")
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 cd "$folder"
@@ -22,7 +22,7 @@ no_script='[LOG] [MAIN] [ID] * This is a message.
 [ERR] [MAIN] [ID] *** Cannot create program.'
 mask() { sed -E 's/\] \[[0-9]+\]/] [ID]/'; }
 
-output=$("$host" | mask)
+output=$("${host[@]}" | mask)
 expect 'without a script' "$no_script
 status 0" "$output
 status $?"
@@ -32,8 +32,8 @@ red=$'\e[31m' yellow=$'\e[33m' default=$'\e[0m'
 coloured=$(sed "s/^\[LOG/$default&/; s/^\[WRN/$yellow&/; s/^\[ERR/$red&/" <<<"$no_script")
 terminal() { script --quiet --command "$1" /dev/null </dev/null | tr -d '\r' | mask; }
 if [[ $(terminal 'echo there') == there ]]; then
-  expect 'on a terminal' "$coloured"$'\n'"$default" "$(terminal "env -u NO_COLOR '$host'")"
-  expect 'on a terminal without colours' "$no_script" "$(terminal "env NO_COLOR= '$host'")"
+  expect 'on a terminal' "$coloured"$'\n'"$default" "$(terminal "env -u NO_COLOR ${host[*]@Q}")"
+  expect 'on a terminal without colours' "$no_script" "$(terminal "env NO_COLOR= ${host[*]@Q}")"
 else
   echo 'No pseudo-terminal: what the host does on a terminal is left out.'
 fi
@@ -41,15 +41,15 @@ fi
 # Output that goes nowhere is no reason to end otherwise.
 echo 'print("unheard"' >test_simple.vrs
 trap '' PIPE
-"$host" >&- || expect 'standard output closed' 0 $?
-"$host" >/dev/full || expect 'standard output full' 0 $?
-"$host" > >(exec true) || expect 'nobody reads' 0 $?
+"${host[@]}" >&- || expect 'standard output closed' 0 $?
+"${host[@]}" >/dev/full || expect 'standard output full' 0 $?
+"${host[@]}" > >(exec true) || expect 'nobody reads' 0 $?
 trap - PIPE
 
 # start OPTION [COMMAND...]: the host, its signals set by an option of env, once it has scheduled its
 # script. What it writes, after the command's output, is read from $lines.
 start() {
-  exec {lines}< <("${@:2}"; exec env "$1" "$host")
+  exec {lines}< <("${@:2}"; exec env "$1" "${host[@]}")
   pid=$!
   while read -r -u "$lines" line && [[ $line != *'SCHEDULE TEST!'* ]]; do :; done
 }

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
-# Runs the game and compares what it prints with what it should print.
+# Runs the game, by the command that is given, and compares what it prints with what it should
+# print.
 set -euo pipefail
-diff "$(dirname "$0")/expected.txt" <("$1")
+diff --strip-trailing-cr "$(dirname "$0")/expected.txt" <("$@")

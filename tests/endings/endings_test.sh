@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs the program endings with its objects in either storage; it may not fail, and what it writes
-# is compared.
+# Runs the program endings, by the command that is given, with its objects in either storage; it may
+# not fail, and what it writes is compared.
 set -euo pipefail
 sender='[A NAME OF MORE THAN 15 CHARACTERS] [#]'
 expected="[OUT] $sender > first
@@ -10,5 +10,5 @@ expected="[OUT] $sender > first
 [OUT] $sender > captured: at the end
 [OUT] $sender > at the end"
 for storage in static thread; do
-  "$1" "$storage" | grep -v LOG | sed 's/\[[0-9]*\]/[#]/' | diff - <(echo "$expected")
+  "$@" "$storage" | grep -v LOG | sed 's/\[[0-9]*\]/[#]/' | diff - <(echo "$expected")
 done

@@ -18,7 +18,7 @@ void register_functions(vrnscript& script) {
   script.register_function("i8", [](std::int8_t a) { return a; });
   script.register_function("i64", [](std::int64_t a) { return a; });
   script.register_function("u64", [](unsigned long long a) { return a / 2 * 2; });
-  script.register_function("u64_half", [](unsigned long a) { return a / 2; });
+  script.register_function("u64_half", [](std::uint64_t a) { return a / 2; });
   script.register_function("yes", [](bool a) { return a; });
   script.register_function("half", [](float a) { return a / 2; });
   script.register_function("text", [](std::string a) { return a += "!"; });
