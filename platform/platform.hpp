@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vorn::platform {
 
@@ -32,6 +33,9 @@ void sleep_ms(std::uint32_t milliseconds) noexcept;
 // What strtod gives for a text in the "C" locale, whatever locale the process has set.
 double read_float(const char* text) noexcept;
 
+// The arguments of main, which are told, as UTF-8.
+std::vector<std::string> arguments(int count, char** values);
+
 // The path of the running executable; empty when it cannot be had.
 std::string executable_path();
 
@@ -47,7 +51,7 @@ void prefer_large_pages(void* memory, std::size_t size) noexcept;
 
 // Gives the console a stream of its own with a large buffer, which is written when it is full or
 // flushed, on a terminal too; what others print keeps no order with it. Called by a program that
-// flushes by itself, before it writes anything.
+// flushes by itself, before it writes anything. Standard input gives the bytes that come in.
 void buffer_console() noexcept;
 
 // Begins a line in the colour of a text attribute (red 4, green 2, blue 1). Only a terminal shows

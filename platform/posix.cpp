@@ -18,6 +18,7 @@
 #include <filesystem>
 #include <optional>
 #include <system_error>
+#include <vector>
 
 #include "platform/colour.hpp"
 
@@ -140,6 +141,8 @@ double read_float(const char* text) noexcept {
   static const locale_t c_locale = newlocale(LC_ALL_MASK, "C", nullptr);
   return strtod_l(text, nullptr, c_locale);
 }
+
+std::vector<std::string> arguments(int count, char** values) { return {values, values + count}; }
 
 std::string executable_path() {
   std::error_code failure;

@@ -4,20 +4,23 @@
 #include "platform/platform.hpp"
 
 #include <windows.h>
-// After it, which it needs.
+// Behind it, as they need it.
 #include <cxxabi.h>
 #include <fcntl.h>
 #include <io.h>
+#include <shellapi.h>
 
 #include <algorithm>
 #include <atomic>
 #include <charconv>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <limits>
 #include <string>
 #include <system_error>
+#include <vector>
 
 #include "platform/colour.hpp"
 
@@ -47,13 +50,13 @@ bool coloured() {
 std::FILE* own_stream = nullptr;
 
 // Lines end as they are written, whatever the C library would make of them.
-bool write_as_it_stands(std::FILE* stream) noexcept {
+bool take_as_it_stands(std::FILE* stream) noexcept {
   return _setmode(_fileno(stream), _O_BINARY) != -1;
 }
 
 std::FILE* console_stream() noexcept {
   if (own_stream) return own_stream;
-  [[maybe_unused]] static const bool set = write_as_it_stands(stdout);
+  [[maybe_unused]] static const bool set = take_as_it_stands(stdout);
   return stdout;
 }
 
@@ -65,13 +68,13 @@ std::FILE* console_stream() noexcept {
   abi::__cxa_thread_atexit([](void*) {}, nullptr, nullptr);
 }
 
-std::atomic<bool> stop_flag{false};
-HANDLE stop_event = nullptr;  // set along with the flag
+std::atomic<int> stop_signal{0};
+HANDLE stop_event = nullptr;  // set along with it
 
 // Runs on a thread of its own. False leaves the event to the system, which ends the process.
 BOOL WINAPI handle_stop(DWORD event) {
-  const bool stops = event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT;
-  if (!stops || stop_flag.exchange(true, std::memory_order_relaxed)) return FALSE;
+  const int number = event == CTRL_C_EVENT ? SIGINT : event == CTRL_BREAK_EVENT ? SIGBREAK : 0;
+  if (number == 0 || stop_signal.exchange(number, std::memory_order_relaxed) != 0) return FALSE;
   SetEvent(stop_event);
   return TRUE;
 }
@@ -172,6 +175,15 @@ double read_float(const char* text) noexcept {
   return negative ? -number : number;
 }
 
+std::vector<std::string> arguments(int, char**) {
+  int count = 0;
+  wchar_t** const given = CommandLineToArgvW(GetCommandLineW(), &count);
+  std::vector<std::string> converted;
+  for (int k = 0; given && k < count; ++k) converted.push_back(utf8(given[k]));
+  LocalFree(given);
+  return converted;
+}
+
 std::string executable_path() {
   std::wstring path(MAX_PATH, L'\0');
   for (;;) {
@@ -187,12 +199,15 @@ std::string executable_path() {
 // Large pages are for processes with a privilege of their own.
 void prefer_large_pages(void*, std::size_t) noexcept {}
 
-// Waits for a full pipe by itself. A terminal is told that texts are UTF-8.
+// A terminal is told that texts are UTF-8.
 void buffer_console() noexcept {
   static char buffer[console_buffer_size];
+  take_as_it_stands(stdin);
   SetConsoleOutputCP(CP_UTF8);
   own_stream = _fdopen(_dup(_fileno(stdout)), "wb");
-  if (own_stream) std::setvbuf(own_stream, buffer, _IOFBF, sizeof buffer);
+  if (!own_stream) return;
+  take_as_it_stands(own_stream);
+  std::setvbuf(own_stream, buffer, _IOFBF, sizeof buffer);
 }
 
 void begin_line(std::string& line, int attribute) {
@@ -211,8 +226,13 @@ void end_console() noexcept {
 }
 
 void write_error(std::string_view text) noexcept {
-  [[maybe_unused]] static const bool set = write_as_it_stands(stderr);
+  [[maybe_unused]] static const bool set = take_as_it_stands(stderr);
   std::fwrite(text.data(), 1, text.size(), stderr);
+}
+
+bool error_is_terminal() noexcept {
+  DWORD mode = 0;
+  return GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
 }
 
 void install_stop_signals() noexcept {
@@ -220,6 +240,6 @@ void install_stop_signals() noexcept {
   SetConsoleCtrlHandler(handle_stop, TRUE);
 }
 
-bool stop_requested() noexcept { return stop_flag.load(std::memory_order_relaxed); }
+int stop_requested() noexcept { return stop_signal.load(std::memory_order_relaxed); }
 
 }  // namespace vorn::platform

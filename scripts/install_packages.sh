@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# Installs those of the Debian packages in packages.txt that are missing.
+# Installs those of the Debian packages in packages.txt, and of those that are given, that are missing.
 set -euo pipefail
 cd "$(dirname "$0")"
 
 missing=()
-while read -r package; do
+for package in $(<packages.txt) "$@"; do
   status=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null || true)
   [[ $status == installed ]] || missing+=("$package")
-done < packages.txt
+done
 ((${#missing[@]})) || exit 0
 
 as_root=()

@@ -62,7 +62,7 @@ void append_escaped(std::string& line, std::string_view text) {
 // the script's folder.
 class dump_writer {
  public:
-  explicit dump_writer(std::string folder) : folder_(std::move(folder)) {}
+  explicit dump_writer(std::string_view folder) : folder_(path_of(folder)) {}
 
   void write(const vrn_inspected& item) {
     line_.clear();
@@ -90,9 +90,13 @@ class dump_writer {
   }
 
  private:
+  static std::filesystem::path path_of(std::string_view text) {
+    return std::u8string(text.begin(), text.end());
+  }
+
   void append_path(std::string_view path) {
-    append_escaped(line_,
-                   std::filesystem::path(path).lexically_proximate(folder_).generic_string());
+    const std::u8string shown = path_of(path).lexically_proximate(folder_).generic_u8string();
+    append_escaped(line_, std::string(shown.begin(), shown.end()));
   }
 
   void append_text(const vrn_inspected& item) {

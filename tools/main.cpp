@@ -2,6 +2,7 @@
 #include <exception>
 #include <iostream>
 #include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -14,7 +15,7 @@ namespace {
 
 constexpr int wrong_usage = 2;
 
-int run(int argument_count, char** arguments) {
+int run(const std::vector<std::string>& arguments) {
   CLI::App program("Runs, checks and shows vornscript scripts.", "vrn");
   program.get_formatter()->column_width(26);
   program.allow_windows_style_options(false);
@@ -28,7 +29,9 @@ int run(int argument_count, char** arguments) {
   vorn::tool::add_dump(program, status);
   vorn::tool::add_lsp(program, status);
   try {
-    program.parse(argument_count, arguments);
+    std::vector<const char*> texts;
+    for (const std::string& argument : arguments) texts.push_back(argument.c_str());
+    program.parse(static_cast<int>(texts.size()), texts.data());
   } catch (const CLI::ParseError& end) {
     return program.exit(end) == 0 ? 0 : wrong_usage;
   }
@@ -40,7 +43,7 @@ int run(int argument_count, char** arguments) {
 int main(int argument_count, char** arguments) {
   vorn::platform::buffer_console();
   try {
-    return run(argument_count, arguments);
+    return run(vorn::platform::arguments(argument_count, arguments));
   } catch (const std::exception& failure) {
     vorn::tool::write_error_line(failure.what());
     return 1;

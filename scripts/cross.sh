@@ -1,0 +1,69 @@
+#!/usr/bin/env bash
+# Builds everything for another machine (windows, arm64, s390x or i386), runs the tests there, under
+# an emulator, and compares what the example and the test scripts print with what they print here:
+# alike but for the sign of what is not a number. Installs what is missing.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+target=${1:-}
+build=$PWD/build/$target
+signal=TERM suffix=
+case $target in
+  windows)
+    packages=(g++-mingw-w64-x86-64-posix wine wine64)
+    # In a folder of Windows of its own, without a desktop. Ctrl-C ends a program there.
+    emulator=(env WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml= "WINEPREFIX=$build/wine" wine)
+    signal=INT suffix=.exe
+    ;;
+  arm64)
+    packages=(g++-aarch64-linux-gnu qemu-user)
+    emulator=(qemu-aarch64 -L /usr/aarch64-linux-gnu)
+    ;;
+  s390x)
+    packages=(g++-s390x-linux-gnu qemu-user)
+    emulator=(qemu-s390x -L /usr/s390x-linux-gnu)
+    ;;
+  i386)
+    packages=(g++-i686-linux-gnu qemu-user)
+    emulator=(qemu-i386 -L /usr/i686-linux-gnu)
+    ;;
+  *) echo "Usage: $0 windows|arm64|s390x|i386" >&2 && exit 2 ;;
+esac
+scripts/install_packages.sh "${packages[@]}"
+scripts/build.sh release
+
+configure=(-G Ninja --toolchain "$PWD/cmake/toolchains/$target.cmake" -D CMAKE_BUILD_TYPE=Release)
+
+# What the project needs, for that machine: GoogleTest from its source, and headers.
+needed=$build/needed
+mkdir -p "$needed/include" "$needed/share/cmake"
+cp -r /usr/include/{xxhash.h,CLI,nlohmann} "$needed/include"
+cp -r /usr/share/cmake/{CLI11,nlohmann_json} "$needed/share/cmake"
+cmake "${configure[@]}" -S /usr/src/googletest -B "$build/googletest" -D BUILD_GMOCK=OFF \
+  -D CMAKE_INSTALL_PREFIX="$needed" >/dev/null
+cmake --build "$build/googletest" --target install >/dev/null
+
+cmake "${configure[@]}" -S . -B "$build" -D CMAKE_PREFIX_PATH="$needed" \
+  -D CMAKE_COMPILE_WARNING_AS_ERROR=ON \
+  -D CMAKE_CROSSCOMPILING_EMULATOR="$(IFS=';' && echo "${emulator[*]}")"
+cmake --build "$build"
+ctest --test-dir "$build" --output-on-failure --parallel "$(nproc)"
+
+scripts/check_example.sh "$signal" "${emulator[@]}" "$build/vornscript$suffix"
+
+# The tests compare what they expect, this all that is written, of each case.
+cases=$build/cases
+rm -rf "$cases"
+mkdir "$cases"
+find tests/scripts -name '*.vrs' | while read -r file; do
+  name=$(tr / . <<<"${file%.vrs}")
+  awk -v name="$cases/$name" '/^\/\/---/ { ++count } { print > (name "." count ".vrs") }' "$file"
+done
+run() { timeout 60 "$@" 2>&1 | scripts/mask_output.sh | sed 's/-nan/nan/g; s#Z:/#/#g'; }
+status=0
+for each in "$cases"/*.vrs examples/test_simple.vrs; do
+  arguments=(run --verbose --timeout 3 "$each")
+  diff <(run build/release/vrn "${arguments[@]}") \
+    <(run "${emulator[@]}" "$build/vrn$suffix" "${arguments[@]}") || { echo "$each" && status=1; }
+done
+exit "$status"
