@@ -22,7 +22,8 @@ inline code_point read_long_code_point(const char* at, const char* end) {
                                : (lead & 0xF8) == 0xF0 ? 4
                                                        : 1;
   if (length == 1) return {0xFFFD, 1};
-  const auto available = static_cast<std::uint32_t>(std::min<std::ptrdiff_t>(length, end - at));
+  const auto left = static_cast<std::size_t>(end - at);
+  const auto available = static_cast<std::uint32_t>(std::min<std::size_t>(length, left));
   std::uint32_t value = lead & (0x7Fu >> length);
   for (std::uint32_t i = 1; i < length; ++i) {
     value = value << 6 | (i < available ? static_cast<unsigned char>(at[i]) & 0x3Fu : 0u);

@@ -105,7 +105,7 @@ std::uint32_t vrn_command_builder::add_group(vrn_src_token token) {
 void vrn_command_builder::finish(vrn_src_command& command, std::size_t first) {
   command.first = finished_;
   const auto begin = open_tokens_.begin() + static_cast<std::ptrdiff_t>(first);
-  std::copy(begin, open_tokens_.end(), tokens_.begin() + finished_);
+  std::copy(begin, open_tokens_.end(), tokens_.begin() + static_cast<std::ptrdiff_t>(finished_));
   finished_ += static_cast<std::uint32_t>(open_tokens_.end() - begin);
   open_tokens_.erase(begin, open_tokens_.end());
   command.last = finished_;

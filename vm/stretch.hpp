@@ -25,7 +25,7 @@ static_assert(size_of<op_load_int> == size_of<op_load_value> &&
 inline bool begins_stretch(const vrn_run_context& context, const std::byte* record) {
   constexpr std::uint32_t load = size_of<op_push>;
   constexpr std::uint32_t behind = load + size_of<op_load_value>;
-  if (!context.end || context.end - record <= behind) return false;
+  if (!context.end || context.end - record <= std::ptrdiff_t{behind}) return false;
   const auto opcode = read_field<std::uint32_t>(record, 0);
   if (opcode != op_push) return is_one_of(opcode, {op_add, op_sub, op_mul, op_div});
   const auto loading = read_field<std::uint32_t>(record, load);
