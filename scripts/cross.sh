@@ -31,6 +31,7 @@ case $target in
 esac
 scripts/install_packages.sh "${packages[@]}"
 scripts/build.sh release
+[[ $target != windows ]] || "${emulator[@]}" wineboot --init
 
 configure=(-G Ninja --toolchain "$PWD/cmake/toolchains/$target.cmake" -D CMAKE_BUILD_TYPE=Release)
 

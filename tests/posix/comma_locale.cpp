@@ -1,5 +1,3 @@
-#include "tests/support/comma_locale.hpp"
-
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
@@ -7,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-bool vorn::test::set_comma_locale() {
+bool set_comma_locale() {
   std::string folder = testing::TempDir() + "vornscript_locale.XXXXXX";
   setenv("LOCPATH", mkdtemp(folder.data()), 1);
   const bool is_set =

@@ -1,23 +1,7 @@
 // Links, devices and limits as POSIX systems have them.
-#include <filesystem>
+#include "tests/support/filesys_os.hpp"
 
-#include <gtest/gtest.h>
-
-#include <vornscript/filesys.hpp>
-
-#include "tests/support/own_folder.hpp"
-
-namespace vorn {
-namespace {
-
-namespace fs = std::filesystem;
-
-class filesys_posix : public test::own_folder {
- protected:
-  vrn_filesys_os files_;
-};
-
-TEST_F(filesys_posix, links_are_followed) {
+TEST_F(filesys_os, links_are_followed) {
   EXPECT_EQ(files_.search_paths.at(1)(),
             fs::read_symlink("/proc/self/exe").parent_path().string() + "/include");
   files_.write("a.vrs", "");
@@ -26,7 +10,7 @@ TEST_F(filesys_posix, links_are_followed) {
   EXPECT_EQ(files_.list_files("."), (std::vector<std::string>{"./a.vrs", "./link.vrs"}));
 }
 
-TEST_F(filesys_posix, refused_names_are_missing_and_unreadable_files_empty) {
+TEST_F(filesys_os, refused_names_are_missing_and_unreadable_files_empty) {
   files_.write("a.vrs", "text");
   fs::create_symlink("loop", "loop");
   using namespace std::string_literals;
@@ -40,11 +24,11 @@ TEST_F(filesys_posix, refused_names_are_missing_and_unreadable_files_empty) {
   EXPECT_THROW(files_.write("/dev/full", "x"), std::exception);
   EXPECT_THROW(files_.list("none"), std::exception);
   EXPECT_THROW(files_.list_files("."), std::exception);
-  EXPECT_FALSE(vrn_filesys().exists("a.vrs"));
+  EXPECT_FALSE(vorn::vrn_filesys().exists("a.vrs"));
 }
 
 // Where the whole path is too long for the system, as where a folder above may not be searched.
-TEST_F(filesys_posix, files_are_reached_below_the_working_directory) {
+TEST_F(filesys_os, files_are_reached_below_the_working_directory) {
   fs::path deep = folder_;
   while (deep.native().size() < 3900) deep /= std::string(100, 'd');
   fs::create_directories(deep);
@@ -56,6 +40,3 @@ TEST_F(filesys_posix, files_are_reached_below_the_working_directory) {
   EXPECT_EQ(files_.canonical("link"), deep / name);
   EXPECT_EQ(files_.read_file((deep / name).string()), "text");
 }
-
-}  // namespace
-}  // namespace vorn

@@ -1,17 +1,13 @@
-#include <filesystem>
 #include <sstream>
-
-#include <gtest/gtest.h>
 
 #include "frontend/path_text.hpp"
 #include "frontend/source_file.hpp"
-#include "tests/support/own_folder.hpp"
+#include "tests/support/filesys_os.hpp"
 #include "tests/support/script_host.hpp"
 
 namespace vorn {
 namespace {
 
-namespace fs = std::filesystem;
 using strings = std::vector<std::string>;
 
 TEST(filesys, finds_along_the_search_paths) {
@@ -35,11 +31,6 @@ TEST(filesys, finds_along_the_search_paths) {
   EXPECT_EQ(files.find_file("own/b"), "");
   EXPECT_EQ(directory_of("\\a.vrs") + directory_of("a.vrs") + directory_of("/b/a.vrs"), "//b");
 }
-
-class filesys_os : public test::own_folder {
- protected:
-  vrn_filesys_os files_;
-};
 
 TEST_F(filesys_os, finds_reads_and_writes) {
   const std::string sub = "s\u00fcb";

@@ -9,10 +9,12 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/comma_locale.hpp"
 #include "tests/support/script_host.hpp"
 #include "vm/interpreter_state.hpp"
 #include "vm/json.hpp"
+
+// Sets a locale that writes a comma for the point; false where there is no way to make one.
+bool set_comma_locale();
 
 namespace vorn {
 namespace {
@@ -127,7 +129,7 @@ TEST_F(value_test, conversions) {
   for (std::string text; std::getline(rows, text, '|');) {
     expected.emplace_back(text, std::strtod(text.c_str(), nullptr));
   }
-  const bool has_comma = test::set_comma_locale();
+  const bool has_comma = set_comma_locale();
   for (const auto& [text, number] : expected) {
     EXPECT_EQ(var_string(text)->get_int(), std::atoll(text.c_str())) << text;
     EXPECT_EQ(var_string(text)->get_float(), number) << text;
