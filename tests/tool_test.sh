@@ -6,7 +6,7 @@ folder=$(realpath "$(mktemp -d)")
 trap 'rm -rf "$folder"' EXIT
 mkdir "$folder/include" "$folder/scripts"
 cp "${!#}" "$folder/vrn"
-tool=("${@:1:$#-1}" ../vrn)
+vrn=("${@:1:$#-1}" ../vrn)
 cd "$folder/scripts"
 failures=0
 
@@ -20,7 +20,7 @@ expect() {
 # try STATUS OUT ERROR ARGUMENT...: what the tool ends with and writes to each stream.
 try() {
   local out error status
-  out=$("${tool[@]}" "${@:4}" 2>../error)
+  out=$("${vrn[@]}" "${@:4}" 2>../error)
   status=$?
   out=$(sed -E "s#$folder/##g; s/ \[[0-9]+\]/ [ID]/" <<<"$out")
   error=$(sed "s#$folder/##g" ../error)
@@ -34,11 +34,11 @@ Cannot negate type "$'\x05'"
 $rule"
 echo 'print("one"); -"a"; sleep(1); print("two");' >fault.vrs
 try 3 $'one\ntwo' "$fault" run fault.vrs
-expect 'streams in order' $'one\n'"$fault"$'\ntwo' "$("${tool[@]}" run fault.vrs 2>&1)"
+expect 'streams in order' $'one\n'"$fault"$'\ntwo' "$("${vrn[@]}" run fault.vrs 2>&1)"
 try 0 7 '' run - <<<'print(7);'
 try 0 7 '' run -e '-1; print(7);'
 expect 'the whole log' '[LOG] [LOG] [LOG] [LOG] [VER] [OUT] [DEB] [VER]' \
-  "$("${tool[@]}" run -v -e 'print(7);' | cut -c 1-5 | paste -s -d ' ')"
+  "$("${vrn[@]}" run -v -e 'print(7);' | cut -c 1-5 | paste -s -d ' ')"
 try 1 '' '*** Cannot find script file none.vrs' run none.vrs
 try 1 '' '*** Source file <stdin> is empty.' run - </dev/null
 try 1 '' "*** Syntax Error ***
@@ -58,7 +58,7 @@ try 2 '' "FILE excludes -e"$'\n'"$hint" run fault.vrs -e 1
 try 2 '' "--timeout: has to be 0 or more"$'\n'"$hint" run --timeout nan fault.vrs
 try 2 '' "STAGE: all not in {tokens,commands,tree,code}"$'\n'"$hint" dump all fault.vrs
 
-exec {lines}< <(exec env --default-signal=INT "${tool[@]}" run -e 'print("up"); sleep(100000000);')
+exec {lines}< <(exec env --default-signal=INT "${vrn[@]}" run -e 'print("up"); sleep(100000000);')
 tool=$!
 read -r -u "$lines" && kill -s INT "$tool"
 wait "$tool"
@@ -98,16 +98,16 @@ _load_value x|    op_push 1|    op_load_value sum|    op_call|    op_load_int 2|
 |    op_load_string 0|    op_store_arg 1|    op_yield|    op_negate|    op_assign|  routine sum(a)\
 |    2:12 statement a }|      op_load_value a"
 expect 'vrn dump' "$dumps" "$(for stage in tokens commands tree code; do
-  "${tool[@]}" dump "$stage" dump.vrs | paste -sd '|'
+  "${vrn[@]}" dump "$stage" dump.vrs | paste -sd '|'
 done)"
 
 # Any size, any depth; a reader that goes away.
 printf 'x = 1%s;' "$(printf ' + 1%.0s' {1..50000})" >deep.vrs
-expect 'a deep tree' 100004 "$("${tool[@]}" dump tree deep.vrs | wc -l)"
-expect 'nobody reads' 1 "$(printf 'print(%d);\n' {1..30000} | "${tool[@]}" run - | head -n 1)"
+expect 'a deep tree' 100004 "$("${vrn[@]}" dump tree deep.vrs | wc -l)"
+expect 'nobody reads' 1 "$(printf 'print(%d);\n' {1..30000} | "${vrn[@]}" run - | head -n 1)"
 
 for command in '' run check dump; do
-  size=$("${tool[@]}" $command --help | tee >(wc -l) >(wc -L) >/dev/null | sort -n | paste -s)
+  size=$("${vrn[@]}" $command --help | tee >(wc -l) >(wc -L) >/dev/null | sort -n | paste -s)
   read -r lines columns <<<"$size"
   ((lines <= 24 && columns <= 80)) || expect "help of $command" '24 lines of 80' "$size"
 done
