@@ -65,7 +65,7 @@ class completion_list {
     add(name, {{"kind", function_kinds.completion}, {"detail", signature(name, parameters)}});
   }
 
-  void add(std::string_view label, json item) {
+  void add(std::string_view label, json&& item) {
     items_.try_emplace(std::string(label), std::move(item));
   }
 

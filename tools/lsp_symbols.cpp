@@ -46,12 +46,13 @@ void symbol_table::pair_brackets() {
   std::vector<std::pair<std::uint32_t, std::size_t>> open;
   std::array<std::size_t, openers.size()> counts{};
   for (std::uint32_t at = 0; at < tokens_.size(); ++at) {
-    if (const std::size_t opener = bracket_in(openers, tokens_[at]); opener != openers.npos) {
+    if (const std::size_t opener = bracket_in(openers, tokens_[at]);
+        opener != std::string_view::npos) {
       open.emplace_back(at, opener);
       ++counts[opener];
     }
     const std::size_t closer = bracket_in(closers, tokens_[at]);
-    if (closer == closers.npos || counts[closer] == 0) continue;
+    if (closer == std::string_view::npos || counts[closer] == 0) continue;
     for (bool found = false; !found; open.pop_back()) {
       const auto [opener_at, opener] = open.back();
       found = opener == closer;

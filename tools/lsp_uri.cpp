@@ -1,5 +1,6 @@
 #include "tools/lsp_uri.hpp"
 
+#include <algorithm>
 #include <charconv>
 #include <cstddef>
 
@@ -18,8 +19,7 @@ bool has_drive(std::string_view path) { return path.size() >= 2 && path[1] == ':
 std::string path_of_uri(std::string_view uri) {
   if (!uri.starts_with(scheme)) return std::string(uri);
   // The host, which is empty or this one, ends at the path's first slash.
-  uri.remove_prefix(uri.find('/', scheme.size()) == uri.npos ? scheme.size()
-                                                             : uri.find('/', scheme.size()));
+  uri.remove_prefix(std::min(uri.find('/', scheme.size()), uri.size()));
   std::string path;
   for (std::size_t at = 0; at < uri.size(); ++at) {
     unsigned char byte = 0;
@@ -40,7 +40,7 @@ std::string uri_of_path(std::string_view path) {
   std::string uri(scheme);
   if (has_drive(path)) uri += '/';
   for (const char byte : path) {
-    if (unescaped.find(byte) != unescaped.npos) {
+    if (unescaped.find(byte) != std::string_view::npos) {
       uri += byte;
     } else {
       constexpr std::string_view digits = "0123456789ABCDEF";
