@@ -155,15 +155,15 @@ void vrn_filesys_os::remove_all(const std::string& path) {
   check(failure, "remove_all", path_of(path));
 }
 
-std::string vrn_filesys_os::canonical(const std::string& name) const {
-  if (name.empty() || names_nothing(name)) return {};
-  const fs::path path = path_of(name);
+std::string vrn_filesys_os::canonical(const std::string& path) const {
+  if (path.empty() || names_nothing(path)) return {};
+  const fs::path name = path_of(path);
   std::error_code failure;
-  fs::path absolute = fs::absolute(path, failure);
-  if (failure) return text_of(path.lexically_normal());  // no folder is the working one
+  fs::path absolute = fs::absolute(name, failure);
+  if (failure) return text_of(name.lexically_normal());  // no folder is the working one
   const fs::path resolved = fs::weakly_canonical(absolute, failure);
   if (!failure) return text_of(resolved);
-  absolute = fs::absolute(resolved_below(reachable(path)), failure);
+  absolute = fs::absolute(resolved_below(reachable(name)), failure);
   return text_of(absolute.lexically_normal());
 }
 

@@ -30,6 +30,7 @@ int run(const std::vector<std::string>& arguments) {
   vorn::tool::add_lsp(program, status);
   try {
     std::vector<const char*> texts;
+    texts.reserve(arguments.size());
     for (const std::string& argument : arguments) texts.push_back(argument.c_str());
     program.parse(static_cast<int>(texts.size()), texts.data());
   } catch (const CLI::ParseError& end) {
