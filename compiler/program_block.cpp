@@ -1,5 +1,7 @@
 #include <vornscript/program_block.hpp>
 
+// The header holds all of it: there is no library to link.
+#define XXH_INLINE_ALL
 #include <xxhash.h>
 
 #include <array>
@@ -35,10 +37,16 @@ void rewind_routine(vrn_program_block_routine& routine) noexcept {
   for (const auto& child : *routine.children) rewind_routine(*child);
 }
 
+// Apart from the way of short names, which needs to save no registers.
+[[gnu::noinline]] std::uint64_t hash_of_long(std::string_view name) {
+  return XXH3_64bits(name.data(), name.size());
+}
+
 }  // namespace
 
 std::size_t vrn_hasher::operator()(std::string_view name) const {
-  return static_cast<std::size_t>(XXH3_64bits(name.data(), name.size()));
+  return static_cast<std::size_t>(name.size() > 16 ? hash_of_long(name)
+                                                   : XXH3_64bits(name.data(), name.size()));
 }
 
 vrn_program_block_routine::vrn_program_block_routine(vrn_program_block_base* enclosing)

@@ -15,6 +15,14 @@ namespace {
 // A plain pointer: an object here would go while others of the thread still log.
 constinit thread_local vrn_thread_record* record = nullptr;
 
+constinit thread_local std::uint32_t id = 0;
+
+// Apart, so that all but the first call save no registers.
+[[gnu::noinline]] std::uint32_t ask_thread_id() noexcept {
+  id = platform::thread_id();
+  return id;
+}
+
 void free_record(void* held) {
   record = nullptr;
   const std::unique_ptr<vrn_thread_record> owned(static_cast<vrn_thread_record*>(held));
@@ -22,11 +30,7 @@ void free_record(void* held) {
 
 }  // namespace
 
-std::uint32_t thread_id() noexcept {
-  static constinit thread_local std::uint32_t id = 0;
-  if (id == 0) id = platform::thread_id();
-  return id;
-}
+std::uint32_t thread_id() noexcept { return id != 0 ? id : ask_thread_id(); }
 
 vrn_thread_record* find_thread_record() noexcept { return record; }
 

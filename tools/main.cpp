@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <CLI/CLI.hpp>
+#include <vornscript/version.hpp>
 
 #include "platform/platform.hpp"
 #include "tools/commands.hpp"
@@ -19,7 +20,7 @@ int run(const std::vector<std::string>& arguments) {
   CLI::App program("Runs, checks and shows vornscript scripts.", "vrn");
   program.get_formatter()->column_width(26);
   program.allow_windows_style_options(false);
-  program.set_version_flag("--version", "vrn " VRN_VERSION, "Print the version and exit");
+  program.set_version_flag("--version", "vrn " VRN_VERSION_TEXT, "Print the version and exit");
   program.require_subcommand(1);
   vorn::tool::add_manual_flag(program);
 

@@ -293,7 +293,7 @@ constexpr vrn_handler handle_op_div = arithmetic<op_div, runtime_error_div>;
 
 }  // namespace
 
-constinit const std::array<vrn_handler, opcode_count> handlers = {
+constinit const std::array<vrn_handler, opcode_count> vrn_handlers::of_opcode = {
 #define VRN_OP(name, size, operands) handle_##name,
 #include "compiler/opcodes.def"
 #undef VRN_OP

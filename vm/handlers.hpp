@@ -13,7 +13,10 @@ namespace vorn {
 // Executes the instruction at `record` and returns the record's size. May write into the record.
 using vrn_handler = std::uint32_t (*)(vrn_run_context& context, std::byte* record);
 
-// One handler for each opcode.
-extern const std::array<vrn_handler, opcode_count> handlers;
+// Hidden, because position independent code takes what is only declared for another library's, and
+// looks up where it is for every instruction.
+struct [[gnu::visibility("hidden")]] vrn_handlers {
+  static const std::array<vrn_handler, opcode_count> of_opcode;  // one for each
+};
 
 }  // namespace vorn

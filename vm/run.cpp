@@ -118,7 +118,7 @@ std::uint32_t run(vrn_program_block_routine& routine, vrn_task& task,
   try {
     while (at < end) {
       if (stop != run_status::go_on) break;
-      at += handlers[read_field<std::uint32_t>(at, 0)](context, at);
+      at += vrn_handlers::of_opcode[read_field<std::uint32_t>(at, 0)](context, at);
       ++count;
     }
   } catch (...) {

@@ -3,11 +3,13 @@
 
 #include <cstdint>
 
+#include <vornscript/export.hpp>
+
 namespace vorn {
 
 // The system's clocks. Derive from it to drive an interpreter by a time of your own (a paused game,
 // a replay, a test). Called on the interpreter's thread.
-class vrn_clock {
+class VRN_API vrn_clock {
  public:
   vrn_clock() = default;
   vrn_clock(const vrn_clock&) = delete;
@@ -25,6 +27,6 @@ class vrn_clock {
 };
 
 // The clock of the calling thread's interpreter, or the system's when it has none.
-const vrn_clock& current_clock();
+VRN_API const vrn_clock& current_clock();
 
 }  // namespace vorn

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include <vornscript/export.hpp>
+
 namespace vorn {
 
 // The most bytes that a source file may hold: 4 GiB.
@@ -15,7 +17,7 @@ inline constexpr std::uint64_t vrn_source_size_max = std::uint64_t{1} << 32;
 
 // What `read` may throw for a file that holds more. A load that meets it writes an error line: the
 // main file ends it, an included one adds nothing.
-class vrn_file_too_large : public std::length_error {
+class VRN_API vrn_file_too_large : public std::length_error {
  public:
   using std::length_error::length_error;
 };
@@ -23,7 +25,7 @@ class vrn_file_too_large : public std::length_error {
 // A complete file system without files, and the base of all others. A derived class needs
 // `exists` and `read`, and `canonical` where a file can go by several names. Every operation is
 // called on the interpreter's thread.
-class vrn_filesys {
+class VRN_API vrn_filesys {
  public:
   vrn_filesys() = default;
   vrn_filesys(const vrn_filesys&) = delete;
@@ -64,7 +66,7 @@ class vrn_filesys {
 
 // The operating system's files. Looks for a name as it stands (relative to the working directory),
 // then in the folder "include" beside the running executable.
-class vrn_filesys_os final : public vrn_filesys {
+class VRN_API vrn_filesys_os final : public vrn_filesys {
  public:
   // Throws std::runtime_error when the executable's path cannot be had.
   vrn_filesys_os();
@@ -88,10 +90,10 @@ class vrn_filesys_os final : public vrn_filesys {
 
 // The part of a path before its last slash (backslashes count as slashes): "/" in the root folder,
 // empty without a slash.
-std::string directory_of(std::string_view path);
+VRN_API std::string directory_of(std::string_view path);
 
 // The text with each tab replaced by spaces up to the next column that is a multiple of 4; columns
 // are counted in bytes from the line's start.
-std::string normalise_source(std::string text);
+VRN_API std::string normalise_source(std::string text);
 
 }  // namespace vorn

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include <vornscript/export.hpp>
 #include <vornscript/report.hpp>
 
 namespace vorn {
@@ -50,9 +51,9 @@ using vrn_inspect_visitor = std::function<void(const vrn_inspected&)>;
 //
 // The script is a file, looked for along the search paths, or a text with the name that reports
 // call it by.
-bool inspect(vrnscript& script, vrn_inspect_stage stage, std::string_view file_name,
-             const vrn_inspect_visitor& visit);
-bool inspect(vrnscript& script, vrn_inspect_stage stage, std::string text, std::string source_name,
-             const vrn_inspect_visitor& visit);
+VRN_API bool inspect(vrnscript& script, vrn_inspect_stage stage, std::string_view file_name,
+                     const vrn_inspect_visitor& visit);
+VRN_API bool inspect(vrnscript& script, vrn_inspect_stage stage, std::string text,
+                     std::string source_name, const vrn_inspect_visitor& visit);
 
 }  // namespace vorn

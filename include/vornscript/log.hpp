@@ -12,6 +12,8 @@
 #include <string>
 #include <string_view>
 
+#include <vornscript/export.hpp>
+
 namespace vorn {
 
 enum class vrn_log_level : std::uint32_t {
@@ -24,7 +26,7 @@ enum class vrn_log_level : std::uint32_t {
 inline constexpr std::uint32_t vrn_log_all = 63;
 
 // The logger interface. Used as it is, it is the silent logger.
-class vrn_log_base {
+class VRN_API vrn_log_base {
  public:
   vrn_log_base() = default;
   explicit vrn_log_base(std::uint32_t mask) : level_mask(mask) {}
@@ -52,7 +54,7 @@ class vrn_log_base {
 
 // The calling thread's logger: its `log_override` if set, else its interpreter's, else one silent
 // logger for the whole process.
-vrn_log_base& get_log();
+VRN_API vrn_log_base& get_log();
 
 inline void append_part(std::string& line, std::string_view text) { line += text; }
 

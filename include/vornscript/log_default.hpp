@@ -1,6 +1,7 @@
 // The console logger.
 #pragma once
 
+#include <vornscript/export.hpp>
 #include <vornscript/log.hpp>
 
 namespace vorn {
@@ -8,7 +9,7 @@ namespace vorn {
 // Writes each message to standard output as one line: the level's tag, the thread's name (if it has
 // one) and id, the level's marker and the text. Lines are coloured when standard output is a
 // terminal and NO_COLOR is unset. Each line is handed over whole, with one call; it is not flushed.
-class vrn_log_default final : public vrn_log_base {
+class VRN_API vrn_log_default final : public vrn_log_base {
  public:
   using vrn_log_base::vrn_log_base;
   ~vrn_log_default() override;

@@ -19,6 +19,7 @@
 #include <utility>
 #include <vector>
 
+#include <vornscript/export.hpp>
 #include <vornscript/std_function.hpp>
 #include <vornscript/value.hpp>
 #include <vornscript/vrnptr.hpp>
@@ -29,7 +30,7 @@ class vrn_ast;
 struct vrn_ast_statement;
 
 // The hash of every table keyed by name: 64-bit XXH3, seed 0, the library's default secret.
-struct vrn_hasher {
+struct VRN_API vrn_hasher {
   using is_transparent = void;
   // Without noexcept, deliberately: GCC's library keeps hashes in the tables of a hasher that may
   // throw, and else works them out anew while it searches.
@@ -47,7 +48,7 @@ enum class vrn_block_kind : std::uint32_t {
   class_ = 3,   // reserved: class definitions have no code yet
 };
 
-class vrn_program_block_base {
+class VRN_API vrn_program_block_base {
  public:
   vrn_program_block_base(const vrn_program_block_base&) = delete;
   vrn_program_block_base& operator=(const vrn_program_block_base&) = delete;
@@ -62,7 +63,7 @@ class vrn_program_block_base {
   ~vrn_program_block_base() = default;
 };
 
-class vrn_program_block_routine final
+class VRN_API vrn_program_block_routine final
     : public vrn_program_block_base,
       public vrnptr_register<vrn_program_block_routine, vrnptr_base> {
  public:
@@ -127,8 +128,9 @@ class vrn_program_block_routine final
   std::set<vrn_ref<vrn_std_function>> natives;
 };
 
-class vrn_program_block_root final : public vrn_program_block_base,
-                                     public vrnptr_register<vrn_program_block_root, vrnptr_base> {
+class VRN_API vrn_program_block_root final
+    : public vrn_program_block_base,
+      public vrnptr_register<vrn_program_block_root, vrnptr_base> {
  public:
   vrn_program_block_root();
   ~vrn_program_block_root();
@@ -150,6 +152,6 @@ using vrn_program = std::shared_ptr<vrn_program_block_root>;
 // where it would otherwise run only once. Variables keep their values. Routines in use are left as
 // they are: those on the call stack of a task that has started and not ended. Takes time in line
 // with the number of routines; throws nothing. On the interpreter's thread, also within a run.
-void program_rewind(const vrn_program& program) noexcept;
+VRN_API void program_rewind(const vrn_program& program) noexcept;
 
 }  // namespace vorn

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include <vornscript/export.hpp>
 #include <vornscript/program_block.hpp>
 
 namespace vorn {
@@ -13,7 +14,7 @@ class vrnscript;
 
 // Builds programs for an interpreter, on its thread. Every stage logs its time and reports what it
 // finds wrong; the first that fails ends the build, and the result is empty.
-class vrn_program_loader {
+class VRN_API vrn_program_loader {
  public:
   explicit vrn_program_loader(vrnscript& script) : script_(&script) {}
 

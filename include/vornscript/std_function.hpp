@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include <vornscript/export.hpp>
 #include <vornscript/ref.hpp>
 #include <vornscript/value.hpp>
 
@@ -41,6 +42,6 @@ struct vrn_std_function {
   std::uint32_t reference_count = 0;
   std::string name;
 };
-void release_last(vrn_std_function* function) noexcept;
+VRN_API void release_last(vrn_std_function* function) noexcept;
 
 }  // namespace vorn

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include <vornscript/export.hpp>
 #include <vornscript/program_block.hpp>
 #include <vornscript/ref.hpp>
 #include <vornscript/value.hpp>
@@ -50,13 +51,13 @@ struct vrn_task {
   std::uint64_t start = 0;  // the number of its last start, which no other of the interpreter has
   std::vector<vrnvar_shared> arguments;  // of the call
 };
-void release_last(vrn_task* task) noexcept;
+VRN_API void release_last(vrn_task* task) noexcept;
 
 // A task that will execute the given routine, which leaves the handle empty.
-vrn_ref<vrn_task> task_create(vrnptr<vrn_program_block_routine>&& routine);
+VRN_API vrn_ref<vrn_task> task_create(vrnptr<vrn_program_block_routine>&& routine);
 
 // A task for a program's top-level code; one that cannot be run when the program is empty.
-vrn_ref<vrn_task> task_create(const vrn_program& program);
+VRN_API vrn_ref<vrn_task> task_create(const vrn_program& program);
 
 // A task that will run a function of a program's main routine, the one that the variable of that
 // name holds now. The arguments are copied now, and stored in the parameters right before the
@@ -66,48 +67,48 @@ vrn_ref<vrn_task> task_create(const vrn_program& program);
 // Code runs once, here too: when the function has run already, the task finishes at once without a
 // result, unless program_rewind has been called since. If another task is in the function when this
 // one becomes due, it is refused with the line "Parallelism not implemented yet!".
-vrn_ref<vrn_task> task_create(const vrn_program& program, std::string_view function,
-                              const std::vector<vrnvar_shared>& arguments = {});
+VRN_API vrn_ref<vrn_task> task_create(const vrn_program& program, std::string_view function,
+                                      const std::vector<vrnvar_shared>& arguments = {});
 
 // Starts the task: it becomes due `delay_ms` from now. One that is active already, or that has no
 // live routine, is refused with a line in the log; the former goes on as if nothing had been asked.
 // A routine that another task is in the middle of is gone on with where it stands, if this task's
 // stacks are as deep as the code there needs them; else the task ends with the same line when it is
 // due. A task that has ended may be started again, unless its call stack has become empty.
-void task_run(vrn_task& task, std::int64_t delay_ms);
+VRN_API void task_run(vrn_task& task, std::int64_t delay_ms);
 
 // Makes the task due `delay_ms` from now, unless it is scheduled already.
-void schedule(vrn_task& task, std::int64_t delay_ms);
+VRN_API void schedule(vrn_task& task, std::int64_t delay_ms);
 
 // Makes a task that waits or is parked due `delay_ms` from now, earlier or later than it was.
 // False, and nothing done, for any other. Throws only what the clock throws.
-bool task_wake(vrn_task& task, std::int64_t delay_ms = 0);
+VRN_API bool task_wake(vrn_task& task, std::int64_t delay_ms = 0);
 
 // For native functions, with the context that they are given: the run stops after the call, and the
 // task waits until task_wake or schedule gives it a due time, or task_cancel ends it. It counts as
 // waiting from here on: a wake that comes before the native function returns is not lost, and a due
 // time that it has been given stands. Until then, or the interpreter's end, the interpreter holds
 // the task, whoever else does.
-void task_park(const vrn_vm_context& context);
+VRN_API void task_park(const vrn_vm_context& context);
 
 // Ends an active task, without a line in the log: lets its values go, cuts its call stack to the
 // outermost routine and puts the routines that it is in at their end. One that is running goes on
 // to where its present run stops; if that throws before, the task has failed instead. Nothing
 // happens to a task that is not active, except that it is no longer scheduled. The interpreter's
 // handle is let go, so hold one of your own.
-void task_cancel(vrn_task& task) noexcept;
+VRN_API void task_cancel(vrn_task& task) noexcept;
 
 // A copy of the value that the task's code left last; empty unless the task has finished, or if no
 // code has run. Of a task that calls a function it is the value at the function's end; of others,
 // whose code ended in a variable, what that variable holds now.
-vrnvar_shared task_result(const vrn_task& task);
+VRN_API vrnvar_shared task_result(const vrn_task& task);
 
 // The task that is running on this thread, null while there is none. Also in what its run calls:
 // native functions, loggers, clocks.
-vrn_task* current_task() noexcept;
+VRN_API vrn_task* current_task() noexcept;
 
 // Runs the task until it waits, ends or fails; true when it wants to run again. Called by tick().
 // Within a run it does nothing but an error line. The caller holds the task.
-bool task_continue(vrn_task& task);
+VRN_API bool task_continue(vrn_task& task);
 
 }  // namespace vorn

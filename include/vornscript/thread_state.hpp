@@ -5,23 +5,25 @@
 #include <cstdint>
 #include <string_view>
 
+#include <vornscript/export.hpp>
+
 namespace vorn {
 
 class vrnscript;
 class vrn_log_base;
 
 // The thread's interpreter; set and cleared by vrnscript.
-extern constinit thread_local vrnscript* current_script;
+VRN_API extern constinit thread_local vrnscript* current_script;
 
 // When set, get_log() returns it instead of the interpreter's logger. Not owned.
-extern constinit thread_local vrn_log_base* log_override;
+VRN_API extern constinit thread_local vrn_log_base* log_override;
 
 // The system's number of the calling thread, never 0.
-std::uint32_t thread_id() noexcept;
+VRN_API std::uint32_t thread_id() noexcept;
 
 // The calling thread's name, shown in log lines when not empty; vrnscript sets it. The text stays
 // valid until the name is set again.
-std::string_view thread_name() noexcept;
-void set_thread_name(std::string_view name);
+VRN_API std::string_view thread_name() noexcept;
+VRN_API void set_thread_name(std::string_view name);
 
 }  // namespace vorn

@@ -17,6 +17,8 @@
 #include <string_view>
 #include <utility>
 
+#include <vornscript/export.hpp>
+
 namespace vorn {
 
 enum class vrn_type : std::uint8_t {
@@ -26,14 +28,14 @@ enum class vrn_type : std::uint8_t {
 };
 
 // The name that scripts see, "int" for example.
-std::string_view type_name(vrn_type type);
+VRN_API std::string_view type_name(vrn_type type);
 
 struct vrnvar_ptr_str;
 struct vrnvar_ptr_json;
 struct vrnvar_ptr_function;
 class vrnvar_shared;
 
-struct vrnvar {
+struct VRN_API vrnvar {
   vrnvar() = default;
   vrnvar(const vrnvar&) = delete;
   vrnvar& operator=(const vrnvar&) = delete;
@@ -88,7 +90,7 @@ struct vrnvar {
 static_assert(sizeof(vrnvar) == 16);
 
 // A counted handle to a value; may be empty.
-class vrnvar_shared {
+class VRN_API vrnvar_shared {
  public:
   constexpr vrnvar_shared() noexcept = default;
   explicit vrnvar_shared(vrnvar* value) noexcept : value_(value) { retain(); }
@@ -139,12 +141,12 @@ class vrnvar_shared {
 
 // A fresh value of type none with a count of 0, from the calling thread's interpreter, or from the
 // general heap on a thread without one. Hand it to a vrnvar_shared.
-vrnvar* var_new();
+VRN_API vrnvar* var_new();
 
 // Fresh values in a handle.
-vrnvar_shared var_none();
-vrnvar_shared var_int(std::int64_t number);
-vrnvar_shared var_float(double number);
-vrnvar_shared var_string(std::string_view text);
+VRN_API vrnvar_shared var_none();
+VRN_API vrnvar_shared var_int(std::int64_t number);
+VRN_API vrnvar_shared var_float(double number);
+VRN_API vrnvar_shared var_string(std::string_view text);
 
 }  // namespace vorn

@@ -25,5 +25,6 @@
 #include <vornscript/task.hpp>
 #include <vornscript/thread_state.hpp>
 #include <vornscript/value.hpp>
+#include <vornscript/version.hpp>
 #include <vornscript/vrnptr.hpp>
 #include <vornscript/vrnscript.hpp>

@@ -5,6 +5,8 @@
 #include <memory>
 #include <typeinfo>
 
+#include <vornscript/export.hpp>
+
 namespace vorn {
 
 class vrn_registry;
@@ -13,7 +15,7 @@ class vrnptr_entry;
 // An index into the registry of the thread's interpreter, and the generation of the object that was
 // entered there, which no other object of the process has. Generations 0 and all ones mean no
 // object.
-struct vrnptr_base {
+struct VRN_API vrnptr_base {
   static constexpr std::uint32_t none = 0xFFFFFFFF;
 
   vrnptr_base() = default;
@@ -35,7 +37,7 @@ struct vrnptr_base {
 
 // An entry in the registry of the calling thread's interpreter, for as long as this lives. On a
 // thread without an interpreter there is none, and the handle stays empty.
-class vrnptr_entry {
+class VRN_API vrnptr_entry {
  public:
   vrnptr_entry(const vrnptr_entry&) = delete;
   vrnptr_entry& operator=(const vrnptr_entry&) = delete;

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include <vornscript/clock.hpp>
+#include <vornscript/export.hpp>
 #include <vornscript/filesys.hpp>
 #include <vornscript/log.hpp>
 #include <vornscript/native.hpp>
@@ -36,7 +37,7 @@ struct vrnscript_config {
 };
 
 // Makes an interpreter the thread's own for as long as it lives.
-class vrn_thread_binding {
+class VRN_API vrn_thread_binding {
  protected:
   vrn_thread_binding() = default;
   vrn_thread_binding(const vrn_thread_binding&) = delete;
@@ -54,7 +55,7 @@ class vrn_thread_binding {
 // is built, used and destroyed on the thread that it serves. Programs and tasks are released first;
 // a program or value that outlives its interpreter is reported in the log, and from then on can
 // only be released.
-class alignas(64) vrnscript final : private vrn_thread_binding {
+class VRN_API alignas(64) vrnscript final : private vrn_thread_binding {
  public:
   // Throws std::runtime_error when the thread has an interpreter already.
   explicit vrnscript(vrnscript_config config);

@@ -1,0 +1,4 @@
+// What a shared library shows.
+#pragma once
+
+#define VRN_API [[gnu::visibility("default")]]
