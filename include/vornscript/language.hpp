@@ -6,6 +6,8 @@
 #include <span>
 #include <string_view>
 
+#include <vornscript/export.hpp>
+
 namespace vorn {
 
 namespace words {
@@ -37,6 +39,6 @@ struct vrn_builtin {
 };
 
 // All of them, in the order of their registration. Callable from any thread.
-std::span<const vrn_builtin> builtins();
+VRN_API std::span<const vrn_builtin> builtins();
 
 }  // namespace vorn
