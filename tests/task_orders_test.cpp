@@ -18,7 +18,9 @@ namespace {
 class random_orders {
   unsigned below(std::size_t count) { return static_cast<unsigned>(random_() % count); }
   auto& any(auto& list) { return list[below(list.size())]; }
-  void drop(auto& list) { list.erase(list.begin() + below(list.size())); }
+  void drop(auto& list) {
+    list.erase(list.begin() + static_cast<std::ptrdiff_t>(below(list.size())));
+  }
 
  public:
   explicit random_orders(unsigned seed) : random_(seed) {

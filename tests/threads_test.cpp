@@ -126,7 +126,7 @@ TEST(threads_test, values_dropped_elsewhere_come_back_once) {
   // All slots can be handed out again, each once.
   const auto& chunks = host.script.state().pools.values;
   const std::uint64_t before = chunks.chunk_count();
-  values taken(before * chunk_slots);
+  values taken(static_cast<std::size_t>(before) * chunk_slots);
   std::set<const void*> objects;
   for (vrnvar_shared& value : taken) {
     value = var_string("");
