@@ -1,8 +1,8 @@
 #include "frontend/source_file.hpp"
 
-#include <memory>
-
 #include <vornscript/log.hpp>
+
+#include "memory/unfilled_array.hpp"
 
 namespace vorn {
 namespace {
@@ -26,7 +26,7 @@ void report_source_too_large(std::string_view name) {
 
 bool append_stream(std::istream& stream, std::string& bytes, std::uint64_t size_max) {
   const std::size_t size_before = bytes.size();
-  const auto chunk = std::make_unique_for_overwrite<char[]>(read_chunk_size);
+  const auto chunk = make_unfilled_array<char>(read_chunk_size);
   while (stream) {
     stream.read(chunk.get(), read_chunk_size);
     const auto count = static_cast<std::size_t>(stream.gcount());

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "memory/unfilled_array.hpp"
 #include "platform/platform.hpp"
 
 namespace vorn {
@@ -17,7 +18,7 @@ void vrn_block_store::open_slab(std::size_t size) {
   if (!slabs_.empty()) {
     size = std::max(size, slab_size_base << std::min(slabs_.size(), doublings_max));
   }
-  slabs_.push_back(std::make_unique_for_overwrite<std::byte[]>(size));
+  slabs_.push_back(make_unfilled_array<std::byte>(size));
   next_ = slabs_.back().get();
   platform::prefer_large_pages(next_, size / 3 * 2);
   end_ = next_ + size;

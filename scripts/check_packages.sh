@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Makes the packages and tries them: the archive from another folder, the Debian package in a root of
-# its own, and a project that gets the library in every way there is. Works in build/packages/, for
-# about four minutes without a compiler cache.
+# its own, and a project that gets the library in every way there is; and a build with libc++. Works
+# in build/packages/, for about five minutes without a compiler cache.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/install_packages.sh
+scripts/install_packages.sh libc++-14-dev libc++abi-14-dev
 work=$PWD/build/packages
 rm -rf "$work"
 mkdir -p "$work"
@@ -79,6 +79,12 @@ for compiler in g++ clang++; do
     quietly tests/package/pkg_config.sh "$prefix" "$compiler" -fvisibility=hidden
   done
 done
+
+echo "libc++"
+build libcxx -D CMAKE_CXX_COMPILER=clang++ -D CMAKE_CXX_FLAGS=-stdlib=libc++ -D VRN_INSTALL=OFF
+tests/host_test.sh "$work/libcxx/vornscript"
+tests/tool_test.sh "$work/libcxx/vrn"
+
 consume find_package g++ 20 -D CMAKE_PREFIX_PATH="$unpacked"
 consume find_package clang++ 23 -D CMAKE_PREFIX_PATH="$unpacked"
 consume find_package g++ 23 -D CMAKE_PREFIX_PATH="$work/shared_prefix"

@@ -5,6 +5,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <vornscript/vornscript.hpp>
@@ -20,7 +21,12 @@ struct finding {
   std::size_t offset;
   std::size_t length;
   std::string message;
-  friend auto operator<=>(const finding&, const finding&) = default;
+  friend bool operator<(const finding& a, const finding& b) {
+    const auto key = [](const finding& of) {
+      return std::tie(of.file, of.offset, of.length, of.message);
+    };
+    return key(a) < key(b);
+  }
 };
 
 struct analysis {

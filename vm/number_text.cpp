@@ -4,6 +4,7 @@
 #include <limits>
 #include <string>
 #include <system_error>
+#include <version>
 
 #include "platform/platform.hpp"
 
@@ -42,6 +43,7 @@ std::int64_t text_to_int(std::string_view text) {
 }
 
 double text_to_float(std::string_view text) {
+#ifdef __cpp_lib_to_chars  // also means std::from_chars for floats, which not every library has
   // The fast way covers plain decimal numbers, all that scripts can write as literals.
   const bool hexadecimal = text.size() > 1 && text[0] == '0' && (text[1] | 32) == 'x';
   if (!text.empty() && (is_digit(text[0]) || text[0] == '.') && !hexadecimal) {
@@ -49,6 +51,7 @@ double text_to_float(std::string_view text) {
     const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
     if (result.ec == std::errc()) return number;
   }
+#endif
   return platform::read_float(std::string(text).c_str());
 }
 

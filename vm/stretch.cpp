@@ -38,6 +38,7 @@
 #include <vornscript/program_block.hpp>
 #include <vornscript/task.hpp>
 
+#include "memory/unfilled_array.hpp"
 #include "vm/arithmetic.hpp"
 #include "vm/payload.hpp"
 #include "vm/value_access.hpp"
@@ -187,7 +188,7 @@ class operand_stack {
   // Long expressions are as deep as they are long.
   void grow() {
     const auto count = static_cast<std::size_t>(end_ - bottom_);
-    auto larger = std::make_unique_for_overwrite<operand[]>(2 * count);
+    auto larger = make_unfilled_array<operand>(2 * count);
     begin_ = std::copy(bottom_, end_, larger.get()) - count;
     larger_ = std::move(larger);
     bottom_ = begin_;

@@ -163,8 +163,10 @@ struct native_signature {
   static constexpr auto max_arguments = static_cast<std::uint32_t>(sizeof...(Parameters));
   static constexpr std::uint32_t min_arguments =
       (0U + ... + (is_native_optional<std::remove_cvref_t<Parameters>> ? 0U : 1U));
-  static constexpr bool optionals_come_last = std::ranges::is_sorted(
-      std::initializer_list<bool>{is_native_optional<std::remove_cvref_t<Parameters>>...});
+  static constexpr std::initializer_list<bool> are_optional = {
+      is_native_optional<std::remove_cvref_t<Parameters>>...};
+  static constexpr bool optionals_come_last =
+      std::is_sorted(are_optional.begin(), are_optional.end());
   static constexpr bool valid =
       is_native_result<Result> && (optionals_come_last && ... && is_native_parameter<Parameters>);
 
