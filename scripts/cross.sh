@@ -32,6 +32,7 @@ case $target in
 esac
 scripts/install_packages.sh "${packages[@]}"
 scripts/build.sh release
+mkdir -p "$build"
 [[ $target != windows ]] || "${emulator[@]}" wineboot --init
 
 configure=(-G Ninja --toolchain "$PWD/cmake/toolchains/$target.cmake" -D CMAKE_BUILD_TYPE=Release)
