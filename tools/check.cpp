@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 #include <vornscript/vornscript.hpp>
 
@@ -18,12 +17,6 @@ namespace vorn::tool {
 namespace {
 
 using json = nlohmann::ordered_json;
-
-struct check_options {
-  std::vector<std::string> files;
-  std::vector<std::string> folders;
-  bool as_json = false;
-};
 
 json json_place(disk_places& disk, std::string_view file, std::size_t offset) {
   const disk_place place = disk.find(std::string(file), offset);
@@ -56,6 +49,8 @@ void write_json(const std::string& file, const std::string& message) {
               {"message", message},
               {"chain", json::array()}});
 }
+
+}  // namespace
 
 int check(const check_options& options) {
   const auto files = open_files(options.folders);
@@ -90,21 +85,6 @@ int check(const check_options& options) {
     shown.advance();
   }
   return status;
-}
-
-}  // namespace
-
-void add_check(CLI::App& program, int& status) {
-  const auto options = std::make_shared<check_options>();
-  CLI::App* const command = program.add_subcommand("check", "Load scripts without running them");
-  command->add_option("FILE", options->files, "The scripts")->type_name("")->required();
-  add_search_paths(*command, options->folders);
-  command->add_flag("--json", options->as_json, "One JSON object a line on standard output");
-  command->footer(
-      "Reports go to standard error.\n"
-      "Status: 0 nothing to report, 1 a script did not load or had a report, 2 wrong\n"
-      "usage.");
-  command->callback([options, &status] { status = check(*options); });
 }
 
 }  // namespace vorn::tool

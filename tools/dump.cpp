@@ -6,7 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include <CLI/CLI.hpp>
 #include <vornscript/vornscript.hpp>
 
 #include "platform/platform.hpp"
@@ -22,12 +21,6 @@ vrn_inspect_stage stage_of(std::string_view name) {
   if (name == "commands") return vrn_inspect_stage::commands;
   return name == "tree" ? vrn_inspect_stage::tree : vrn_inspect_stage::code;
 }
-
-struct dump_options {
-  std::string stage;
-  std::string file;
-  std::vector<std::string> folders;
-};
 
 // Deeper items are indented no further, so that the text grows in line with their number.
 constexpr std::uint32_t deepest_indent = 40;
@@ -114,6 +107,8 @@ class dump_writer {
   std::string line_;
 };
 
+}  // namespace
+
 int dump(const dump_options& options) {
   const auto files = open_files(options.folders);
   const auto log = std::make_shared<script_log>();
@@ -129,21 +124,6 @@ int dump(const dump_options& options) {
   }
   if (!any_report) write_error_line(log->first_error());
   return 1;
-}
-
-}  // namespace
-
-void add_dump(CLI::App& program, int& status) {
-  const auto options = std::make_shared<dump_options>();
-  CLI::App* const command = program.add_subcommand("dump", "Show what a stage makes of a script");
-  command->add_option("STAGE", options->stage, "tokens, commands, tree or code")
-      ->type_name("")
-      ->required()
-      ->check(CLI::IsMember({"tokens", "commands", "tree", "code"}).description(""));
-  command->add_option("FILE", options->file, "The script")->type_name("")->required();
-  add_search_paths(*command, options->folders);
-  command->footer("Status: 0 shown, 1 the script does not come so far, 2 wrong usage.");
-  command->callback([options, &status] { status = dump(*options); });
 }
 
 }  // namespace vorn::tool

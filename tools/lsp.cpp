@@ -6,8 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include <CLI/CLI.hpp>
-
 #include "platform/platform.hpp"
 #include "tools/commands.hpp"
 #include "tools/files.hpp"
@@ -15,7 +13,6 @@
 #include "tools/lsp_transport.hpp"
 
 namespace vorn::tool {
-namespace {
 
 // Until the editor ends it, or its messages do.
 int serve(const std::vector<std::string>& folders) {
@@ -32,19 +29,6 @@ int serve(const std::vector<std::string>& folders) {
     server.receive(*message);
   }
   return *server.exit_status();
-}
-
-}  // namespace
-
-void add_lsp(CLI::App& program, int& status) {
-  const auto folders = std::make_shared<std::vector<std::string>>();
-  CLI::App* const command =
-      program.add_subcommand("lsp", "Serve editors, as the language server protocol says");
-  add_search_paths(*command, *folders);
-  command->footer(
-      "Talks on standard input and output.\n"
-      "Status: 0 shut down and ended by the editor, 1 ended otherwise, 2 wrong usage.");
-  command->callback([folders, &status] { status = serve(*folders); });
 }
 
 }  // namespace vorn::tool

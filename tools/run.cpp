@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include <CLI/CLI.hpp>
 #include <vornscript/vornscript.hpp>
 
 #include "platform/platform.hpp"
@@ -20,14 +19,6 @@ namespace vorn::tool {
 namespace {
 
 enum status : int { finished = 0, not_loaded = 1, failed = 3, timed_out = 4, signalled = 128 };
-
-struct run_options {
-  std::optional<std::string> file;
-  std::optional<std::string> text;
-  std::vector<std::string> folders;
-  bool verbose = false;
-  std::optional<double> timeout;  // in seconds
-};
 
 // Up to one byte more than a script may have: the loader refuses it then.
 std::string read_standard_input() {
@@ -81,6 +72,8 @@ int run_tasks(vrnscript& script, std::uint64_t deadline) {
   return finished;
 }
 
+}  // namespace
+
 int run(const run_options& options) {
   const auto log = std::make_shared<script_log>();
   std::shared_ptr<vrn_log_base> shown = log;
@@ -106,33 +99,6 @@ int run(const run_options& options) {
   task_run(*task, 0);
   const int ended = run_tasks(script, deadline_ns(options.timeout));
   return ended == finished && any_fault ? failed : ended;
-}
-
-}  // namespace
-
-void add_run(CLI::App& program, int& status) {
-  const auto options = std::make_shared<run_options>();
-  CLI::App* const command = program.add_subcommand("run", "Load a script and run it to its end");
-  CLI::Option* const file =
-      command->add_option("FILE", options->file, "The script; - for standard input")->type_name("");
-  command->add_option("-e", options->text, "Run this text instead of a file")
-      ->type_name("TEXT")
-      ->excludes(file);
-  add_search_paths(*command, options->folders);
-  command->add_flag("-v,--verbose", options->verbose, "Show the whole log on standard output");
-  command->add_option("--timeout", options->timeout, "End a script that still sleeps then")
-      ->type_name("SECONDS");
-  command->footer(
-      "What the script prints goes to standard output, reports to standard error.\n"
-      "Status: 0 finished, 1 not loaded, 2 wrong usage, 3 a runtime error or failed\n"
-      "task, 4 timed out, 128 + signal when interrupted.");
-  command->callback([options, &status] {
-    if (!options->file && !options->text) throw CLI::RequiredError("FILE or -e");
-    if (!(options->timeout.value_or(0) >= 0)) {
-      throw CLI::ValidationError("--timeout", "has to be 0 or more");
-    }
-    status = run(*options);
-  });
 }
 
 }  // namespace vorn::tool
