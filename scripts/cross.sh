@@ -46,8 +46,10 @@ cmake "${configure[@]}" -S /usr/src/googletest -B "$build/googletest" -D BUILD_G
   -D CMAKE_INSTALL_PREFIX="$needed" >/dev/null
 cmake --build "$build/googletest" --target install >/dev/null
 
+# Little optimisation, which takes half of the time and warns of what it does not see through.
 cmake "${configure[@]}" -S . -B "$build" -D CMAKE_PREFIX_PATH="$needed" \
   -D CMAKE_COMPILE_WARNING_AS_ERROR=ON \
+  -D CMAKE_CXX_FLAGS_RELEASE="-O1 -Wno-maybe-uninitialized" \
   -D CMAKE_CROSSCOMPILING_EMULATOR="$(IFS=';' && echo "${emulator[*]}")"
 cmake --build "$build"
 # Packages are the same for all machines.
