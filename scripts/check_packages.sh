@@ -5,7 +5,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/install_packages.sh libc++-14-dev libc++abi-14-dev
+scripts/install_packages.sh dpkg-dev file man-db libc++-14-dev libc++abi-14-dev
 work=$PWD/build/packages
 rm -rf "$work"
 mkdir -p "$work"
