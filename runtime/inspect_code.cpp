@@ -10,11 +10,13 @@
 namespace vorn {
 namespace {
 
-// The line from a statement on; the whole line where it begins with a string of several lines.
+// The line from a statement on; all of the line where the statement begins outside: with a string
+// of several lines, or behind an escaped line end.
 std::string_view line_from(const vrn_src_token& first) {
   const std::string_view line = first.source->line_text(first.line());
   const auto line_start = static_cast<std::size_t>(line.data() - first.source->text.data());
-  return first.index() < line_start ? line : line.substr(first.index() - line_start);
+  const std::size_t at = first.index() - line_start;  // wraps before the line
+  return at <= line.size() ? line.substr(at) : line;
 }
 
 // The name that a routine is defined by, and those of its parameters.
