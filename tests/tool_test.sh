@@ -100,6 +100,10 @@ _load_value x|    op_push 1|    op_load_value sum|    op_call|    op_load_int 2|
 expect 'vrn dump' "$dumps" "$(for stage in tokens commands tree code; do
   "${vrn[@]}" dump "$stage" dump.vrs | paste -sd '|'
 done)"
+# All of the line where a statement begins behind an escaped line end.
+printf 'd = "a\\\nb"; print(d);' >escaped.vrs
+expect 'an escaped line end' $'statement d = "a\\\\\nstatement d = "a\\\\' \
+  "$("${vrn[@]}" dump code escaped.vrs | grep -o 'statement.*')"
 
 # Any size, any depth; a reader that goes away.
 printf 'x = 1%s;' "$(printf ' + 1%.0s' {1..50000})" >deep.vrs

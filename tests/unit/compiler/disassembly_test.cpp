@@ -1,5 +1,5 @@
 // What scripts compile to.
-#include <regex>
+#include <string_view>
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,12 @@ namespace {
 // The instructions of a routine, its strings behind a "$", then in braces the routines defined in
 // it, each led by the number of its parameters. Instructions are written without "op_" and "load_".
 std::string code_of(vrn_program_block_routine& routine) {
-  std::string text = std::regex_replace(disassemble(routine), std::regex("op_(load_)?"), "");
+  std::string text = disassemble(routine);
+  for (const std::string_view prefix : {"op_", "load_"}) {
+    for (std::size_t at = 0; (at = text.find(prefix, at)) != std::string::npos;) {
+      text.erase(at, prefix.size());
+    }
+  }
   for (std::size_t at = 0; (at = text.find('\n', at)) != std::string::npos;) {
     text.replace(at, 1, at + 1 == text.size() ? "" : "; ");
   }
