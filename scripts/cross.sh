@@ -66,10 +66,12 @@ find tests/scripts -name '*.vrs' | while read -r file; do
   awk -v name="$cases/$name" '/^\/\/---/ { ++count } { print > (name "." count ".vrs") }' "$file"
 done
 run() { timeout 60 "$@" 2>&1 | scripts/mask_output.sh | sed 's/-nan/nan/g; s#Z:/#/#g'; }
-status=0
-for each in "$cases"/*.vrs examples/test_simple.vrs; do
-  arguments=(run --verbose --timeout 3 "$each")
-  diff <(run build/release/vrn "${arguments[@]}") \
-    <(run "${emulator[@]}" "$build/vrn$suffix" "${arguments[@]}") || { echo "$each" && status=1; }
-done
-exit "$status"
+compare() {  # OTHER... FILE
+  local arguments=(run --verbose --timeout 3 "${@: -1}")
+  diff <(run build/release/vrn "${arguments[@]}") <(run "${@:1:$#-1}" "${arguments[@]}") ||
+    { echo "${@: -1}" && return 1; }
+}
+export -f run compare
+printf '%s\n' "$cases"/*.vrs examples/test_simple.vrs |
+  xargs --delimiter='\n' --max-args=1 --max-procs="$(nproc)" \
+    bash -c 'compare "$@"' compare "${emulator[@]}" "$build/vrn$suffix"
