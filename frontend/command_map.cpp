@@ -12,13 +12,13 @@
 namespace vorn {
 namespace {
 
-std::uint32_t size_of(const auto& list) { return static_cast<std::uint32_t>(list.size()); }
+std::uint32_t count_of(const auto& list) { return static_cast<std::uint32_t>(list.size()); }
 
 }  // namespace
 
 bool vrn_command_builder::build() {
   open_commands_.reserve(map_.source->lines.size());
-  if (!build_list(size_of(tokens_), vrn_token_kind::group_brace)) return false;
+  if (!build_list(count_of(tokens_), vrn_token_kind::group_brace)) return false;
   tokens_.resize(finished_);
   map_.top = std::move(open_commands_);
   return true;
@@ -96,7 +96,7 @@ bool vrn_command_builder::build_group(std::uint32_t end) {
 }
 
 std::uint32_t vrn_command_builder::add_group(vrn_src_token token) {
-  token.extent = size_of(map_.groups);
+  token.extent = count_of(map_.groups);
   map_.groups.emplace_back();
   open_tokens_.push_back(token);
   return token.extent;
@@ -113,9 +113,9 @@ void vrn_command_builder::finish(vrn_src_command& command, std::size_t first) {
 
 void vrn_command_builder::finish_group(std::uint32_t group, std::size_t first) {
   const auto begin = open_commands_.begin() + static_cast<std::ptrdiff_t>(first);
-  map_.groups[group].first = size_of(map_.commands);
+  map_.groups[group].first = count_of(map_.commands);
   map_.commands.insert(map_.commands.end(), begin, open_commands_.end());
-  map_.groups[group].last = size_of(map_.commands);
+  map_.groups[group].last = count_of(map_.commands);
   open_commands_.erase(begin, open_commands_.end());
 }
 

@@ -10,7 +10,7 @@ namespace vorn {
 namespace {
 
 constexpr std::string_view parallel = "Parallelism not implemented yet!";
-constexpr std::string_view rule = "------------------------------------------------------------";
+constexpr std::string_view border = "------------------------------------------------------------";
 
 void tell(vrn_fault_place place, std::string_view message, std::string_view type = {}) {
   vrn_program_block_routine& routine = *place.context.block;
@@ -19,7 +19,7 @@ void tell(vrn_fault_place place, std::string_view message, std::string_view type
 }
 
 void framed(vrn_fault_place place, std::string_view message, std::string_view type = {}) {
-  log_line(vrn_log_level::error, "Runtime Error ***\n", rule, "\n", message, type, "\n", rule);
+  log_line(vrn_log_level::error, "Runtime Error ***\n", border, "\n", message, type, "\n", border);
   tell(place, message, type);
 }
 

@@ -22,18 +22,18 @@ constexpr std::array type_names = {
 #undef VRN_VALUE_TYPE
 };
 
-std::uint64_t address_of(const void* object) { return reinterpret_cast<std::uintptr_t>(object); }
+std::uint64_t payload_of(const void* object) { return reinterpret_cast<std::uintptr_t>(object); }
 
 // The payload of a fresh value of a type.
 std::uint64_t acquire_payload(vrn_type type) {
   switch (type) {
     case vrn_type::string:
-      return address_of(vrn_value_pools::texts::take_from(own_pool<&vrn_value_pools::strings>()));
+      return payload_of(vrn_value_pools::texts::take_from(own_pool<&vrn_value_pools::strings>()));
     case vrn_type::json:
-      return address_of(vrn_value_pools::containers::take_from(own_pool<&vrn_value_pools::json>()));
+      return payload_of(vrn_value_pools::containers::take_from(own_pool<&vrn_value_pools::json>()));
     case vrn_type::class_:
     case vrn_type::function:
-      return address_of(
+      return payload_of(
           vrn_value_pools::callables::take_from(own_pool<&vrn_value_pools::functions>()));
     default:
       return 0;
@@ -147,7 +147,7 @@ void vrnvar::copy_from(const vrnvar* source) {
       as<vrnvar_ptr_function>()->routine = source->as<vrnvar_ptr_function>()->routine;
       return;
     case vrn_type::ref:
-      payload = address_of(vrnvar_shared(source->as<vrnvar>()).detach());
+      payload = payload_of(vrnvar_shared(source->as<vrnvar>()).detach());
       return;
     case vrn_type::primitive_end:
     case vrn_type::object:
@@ -176,7 +176,7 @@ void vrnvar::set_string(std::string_view text) {
 void vrnvar::set_ref(const vrnvar_shared& target) {
   vrnvar_shared held = target;
   set_type(vrn_type::ref);
-  payload = address_of(held.detach());
+  payload = payload_of(held.detach());
 }
 
 std::int64_t vrnvar::get_int() const {

@@ -14,7 +14,7 @@ TEST(loader_test, what_is_written) {
   EXPECT_TRUE(host.loader.create_program("1;", ""));
   EXPECT_TRUE(host.loader.create_program("1;", "given"));
   host.loader.create_program("= 1", "a");
-  const char* const lines[] = {
+  const char* const expected[] = {
       "Cannot find script file no/such\\file.vrs",
       "Source file <memory> is empty.",
       "token_map creation failed in 2 ms.",
@@ -24,8 +24,8 @@ TEST(loader_test, what_is_written) {
       "Bytecode creation took 1 ms (1 instructions).",
       "Loading given",
   };
-  for (std::size_t k = 0; k < std::size(lines); ++k) {
-    EXPECT_EQ(host.log->records.at(k).text, lines[k]);
+  for (std::size_t k = 0; k < std::size(expected); ++k) {
+    EXPECT_EQ(host.log->records.at(k).text, expected[k]);
   }
   EXPECT_EQ(host.log->records.back().text, "AST creation failed in 3 ms.");
 
