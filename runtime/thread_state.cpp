@@ -13,7 +13,7 @@ constinit thread_local vrn_log_base* log_override = nullptr;
 namespace {
 
 // A plain pointer: an object here would go while others of the thread still log.
-constinit thread_local vrn_thread_record* own = nullptr;
+constinit thread_local vrn_thread_record* kept = nullptr;
 
 constinit thread_local std::uint32_t id = 0;
 
@@ -24,7 +24,7 @@ constinit thread_local std::uint32_t id = 0;
 }
 
 void free_record(void* held) {
-  own = nullptr;
+  kept = nullptr;
   const std::unique_ptr<vrn_thread_record> owned(static_cast<vrn_thread_record*>(held));
 }
 
@@ -32,17 +32,17 @@ void free_record(void* held) {
 
 std::uint32_t thread_id() noexcept { return id != 0 ? id : ask_thread_id(); }
 
-vrn_thread_record* find_thread_record() noexcept { return own; }
+vrn_thread_record* find_thread_record() noexcept { return kept; }
 
 vrn_thread_record& thread_record() {
-  if (!own) {
-    own = std::make_unique<vrn_thread_record>().release();
-    platform::at_thread_end(free_record, own);
+  if (!kept) {
+    kept = std::make_unique<vrn_thread_record>().release();
+    platform::at_thread_end(free_record, kept);
   }
-  return *own;
+  return *kept;
 }
 
-std::string_view thread_name() noexcept { return own ? own->name : std::string_view(); }
+std::string_view thread_name() noexcept { return kept ? kept->name : std::string_view(); }
 
 void set_thread_name(std::string_view name) {
   if (name == thread_name()) return;
