@@ -13,7 +13,8 @@ case $target in
     packages=(g++-mingw-w64-x86-64-posix wine wine64)
     # In a folder of Windows of its own, without a desktop. Ctrl-C ends a program there.
     # File names are those of the system in the locale's characters.
-    emulator=(env LC_ALL=C.UTF-8 WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml= "WINEPREFIX=$build/wine" wine)
+    emulator=(env LC_ALL=C.UTF-8 WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
+      "WINEPREFIX=$build/wine" wine)
     signal=INT suffix=.exe
     ;;
   arm64)
@@ -47,8 +48,8 @@ cmake "${configure[@]}" -S /usr/src/googletest -B "$build/googletest" -D BUILD_G
   -D CMAKE_INSTALL_PREFIX="$needed" >/dev/null
 cmake --build "$build/googletest" --target install >/dev/null
 
-# Several sources at a time with little optimisation, which takes a third of the time and warns of
-# what it does not see through.
+# Several sources at a time with little optimisation: that takes less time, and warns of what it does
+# not see through.
 cmake "${configure[@]}" -S . -B "$build" -D CMAKE_PREFIX_PATH="$needed" \
   -D CMAKE_COMPILE_WARNING_AS_ERROR=ON -D CMAKE_UNITY_BUILD=ON \
   -D CMAKE_CXX_FLAGS_RELEASE="-O1 -Wno-maybe-uninitialized" \
